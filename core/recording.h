@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDateTime>
+#include <QJsonObject>
+#include <QMetaType>
+#include <QString>
+
+namespace qn {
+
+// One row of the library.
+struct Recording {
+    QString id;       // random UUID without braces
+    QString title;    // as the user sees it
+    QString path;     // absolute; ends in ".part" while the recording is unfinished
+    QString format;   // "opus", "mp3" or "wav"
+    QString timezone; // IANA id of the system zone at the start
+    QString
+        status; // "starting", "recording", "paused", "finalizing", "ready", "failed", "interrupted"
+    QDateTime started; // UTC
+    QDateTime ended;   // UTC; invalid while unknown
+    qint64 durationMs = 0;
+    QJsonObject details;
+};
+
+} // namespace qn
+
+Q_DECLARE_METATYPE(qn::Recording)

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/audio_format.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QProcess>
+#include <QString>
+
+namespace qn {
+
+// One ffmpeg process that encodes 48 kHz mono float samples into one file. Used once: start, any
+// number of writes, then finish or abort. Lives on the worker's thread, which its bounded waits
+// block. Errors are texts for the user.
+class Encoder : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    ~Encoder() override;
+
+    // Waits up to 5 s for the process. An existing file is never overwritten.
+    bool start(const QString& path, AudioFormat format, const QDateTime& started, QString& error);
+
+    // Queues the samples without waiting; more than 10 s of unwritten audio is a failure.
+    bool write(const QList<float>& samples, QString& error);
+
+    // Ends the input and waits up to 30 s for the file to be complete.
+    bool finish(QString& error);
+
+    // Kills the process; the partial file stays. False if it does not end within 3 s.
+    bool abort();
+
+Q_SIGNALS:
+    // The process ended by itself.
+    void failed(const QString&);
+
+private:
+    QProcess process;
+    bool finishing = false;
+};
+
+} // namespace qn

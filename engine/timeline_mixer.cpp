@@ -1,0 +1,1 @@
+#include "engine/timeline_mixer.h"

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "core/audio_format.h"
+#include "core/recording.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QProcess>
+#include <QSaveFile>
+#include <QString>
+#include <QTemporaryFile>
+
+#include <memory>
+
+namespace qn {
+
+// Writes one recording to a file of the user's choice: a copy when it is complete and in the wanted
+// format, else a transcode through a hidden temporary file beside the target. The target is
+// replaced only by a complete export. One export at a time, all on the owner's thread.
+class ExportJob : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ExportJob(QObject* parent = nullptr);
+    ~ExportJob() override;
+
+    // Ignored while an export runs.
+    void start(const Recording& recording, const QString& target, AudioFormat format);
+
+    // The result arrives as `finished`; ignored when nothing runs.
+    void cancel();
+
+    bool isRunning() const { return running; }
+
+Q_SIGNALS:
+    void progress(int percent);
+
+    // Emitted once per export, when the job is free again; a message for the user.
+    void finished(bool success, const QString& message);
+
+private:
+    void copyFile(const QString& source);
+    void complete(bool success, const QString& message);
+
+    QProcess process;
+    std::unique_ptr<QSaveFile> output;
+    std::unique_ptr<QTemporaryFile> temporary;
+    QByteArray lineBuffer;
+    bool running = false;
+    bool cancelled = false;
+    qint64 durationMs = 0;
+    QByteArray errorTail;
+};
+
+} // namespace qn

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/recording.h"
+
+#include <QDate>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QList>
+#include <QSqlDatabase>
+#include <QString>
+
+namespace qn {
+
+// The recordings and the journal of each, in one SQLite file. Main thread only. Every operation
+// runs at once and throws std::runtime_error with the driver's text when it fails; a database that
+// another process has locked is waited for up to 5 s.
+class Library {
+public:
+    // Opens the file or creates it with its folder.
+    explicit Library(const QString& path);
+    ~Library();
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    void insert(const Recording& r);
+
+    // Writes everything except id, title, format and timezone; an unknown id is no error.
+    void update(const Recording& r);
+
+    // Newest start first. The title filter ignores case; the date is that of the recording's zone.
+    QList<Recording> list(const QString& search, const QDate& date) const;
+
+    void rename(const QString& id, const QString& title);
+
+    // Removes the row and its journal; the audio file is the caller's.
+    void remove(const QString& id);
+
+    // Appends to the journal, stamped with the present time.
+    void event(const QString& recordingId, const QString& kind, const QJsonObject& details);
+
+    // The journal, oldest first: objects with "at" (UTC, ISO 8601 with ms), "kind" and "details".
+    QJsonArray events(const QString& recordingId) const;
+
+    // Marks the sessions that an earlier run left active.
+    void markInterrupted();
+
+private:
+    QSqlDatabase db;
+    QString connectionName;
+};
+
+} // namespace qn

@@ -1,0 +1,1 @@
+#include "storage/settings_store.h"

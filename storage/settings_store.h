@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/settings.h"
+
+namespace qn {
+
+// The preferences kept in the user's settings store; unreadable values become their defaults.
+// Main thread only.
+Settings loadSettings();
+
+// Writes all six preferences through to storage.
+void saveSettings(const Settings& settings);
+
+} // namespace qn
