@@ -14,9 +14,9 @@ constexpr qsizetype kLongestName = 120;
 
 QString formatDuration(qint64 ms) {
     const qint64 seconds = std::max<qint64>(ms / 1000, 0);
-    return u"%1:%2:%3"_s.arg(seconds / 3600, 2, 10, u'0')
-        .arg(seconds / 60 % 60, 2, 10, u'0')
-        .arg(seconds % 60, 2, 10, u'0');
+    return u"%1:%2:%3"_s.arg(seconds / 3600, 2, 10, QLatin1Char('0'))
+        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
+        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 QString safeFileName(QString name) {

@@ -29,13 +29,13 @@ public:
     float level(int input) const;
 
     // Samples read since reset.
-    qint64 position() const;
+    qint64 samplesRead() const { return position; }
 
 private:
     struct Track;
     std::unique_ptr<Track> inputs[2];
     qint64 origin = 0;
-    qint64 readPosition = 0;
+    qint64 position = 0; // index of the next sample that read returns
 };
 
 } // namespace qn
