@@ -1,0 +1,237 @@
+#include "engine/recorder_worker.h"
+
+#include "capture/capture_backend.h"
+#include "engine/encoder.h"
+
+#include <QAudioSource>
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto kTick = 20ms;
+constexpr auto kWatchInterval = 1s;
+constexpr std::chrono::nanoseconds kLatency = 250ms; // time for both inputs to deliver
+constexpr qint64 kSampleRate = 48000;
+constexpr qint64 kSamplesPerMs = kSampleRate / 1000;
+constexpr qint64 kLargestLag = 4 * kSampleRate;
+constexpr qint64 kLargestChunk = kSampleRate / 10;
+constexpr qint64 kLeastFreeBytes = 1024 * 1024;
+constexpr qsizetype kPartSuffixLength = 5; // ".part"
+
+} // namespace
+
+RecorderWorker::RecorderWorker() : timer(new QTimer(this)) {
+    timer->setTimerType(Qt::PreciseTimer);
+    timer->setInterval(kTick);
+    connect(timer, &QTimer::timeout, this, &RecorderWorker::tick);
+}
+
+RecorderWorker::~RecorderWorker() {
+    timer->stop();
+    stopDevices();
+    if (encoder)
+        encoder->abort();
+}
+
+void RecorderWorker::begin(const Settings& newSettings, const QString& newPartPath) {
+    Q_ASSERT(QThread::currentThread() == thread());
+    if (!isResting(state))
+        return;
+    settings = newSettings;
+    partPath = newPartPath;
+    accumulatedSamples = 0;
+    finishing = false;
+    lastWarning.clear();
+    pendingError.clear();
+    setState(State::Starting);
+
+    encoder = std::make_unique<Encoder>();
+    connect(encoder.get(), &Encoder::failed, this, &RecorderWorker::finish);
+    const QDateTime started = QDateTime::currentDateTimeUtc();
+    QString error;
+    if (!encoder->start(partPath, settings.format, started, error)) {
+        finish(error);
+        return;
+    }
+    openBackend();
+    restartTimeline();
+    lastProgress = lastRefresh = sessionStart;
+    setState(State::Recording);
+    Q_EMIT began(started);
+    refreshSources();
+    timer->start();
+}
+
+void RecorderWorker::pause() {
+    Q_ASSERT(QThread::currentThread() == thread());
+    if (state != State::Recording)
+        return;
+    readMicrophone();
+    render(true);
+    if (state != State::Recording)
+        return;
+    accumulatedSamples += mixer.samplesRead();
+    setState(State::Paused);
+    stopDevices();
+    Q_EMIT progress(accumulatedSamples / kSamplesPerMs);
+    Q_EMIT levels(0, 0);
+}
+
+void RecorderWorker::resume() {
+    Q_ASSERT(QThread::currentThread() == thread());
+    if (state != State::Paused)
+        return;
+    restartTimeline();
+    setState(State::Recording);
+    refreshSources();
+}
+
+void RecorderWorker::stop() {
+    Q_ASSERT(QThread::currentThread() == thread());
+    if (state == State::Recording || state == State::Paused)
+        finish({});
+}
+
+void RecorderWorker::setState(State next) {
+    state = next;
+    Q_EMIT stateChanged(next);
+}
+
+void RecorderWorker::restartTimeline() {
+    sessionStart = Clock::now();
+    const std::chrono::nanoseconds origin = sessionStart.time_since_epoch();
+    mixer.reset(origin.count());
+}
+
+// Valid in every state: a paused segment is in accumulatedSamples alone.
+qint64 RecorderWorker::samplesWritten() const {
+    return accumulatedSamples + (state == State::Recording ? mixer.samplesRead() : 0);
+}
+
+void RecorderWorker::tick() {
+    if (state != State::Recording)
+        return;
+    render(false);
+    if (state != State::Recording)
+        return;
+    Q_EMIT levels(mixer.level(0), mixer.level(1));
+    watch(Clock::now());
+}
+
+void RecorderWorker::watch(Clock::time_point now) {
+    if (now - lastProgress >= kWatchInterval) {
+        lastProgress = now;
+        Q_EMIT progress(samplesWritten() / kSamplesPerMs);
+        if (diskIsFull()) {
+            finish(u"На диске закончилось свободное место"_s);
+            return;
+        }
+    }
+    if (now - lastRefresh >= kWatchInterval) {
+        lastRefresh = now;
+        refreshSources();
+    }
+}
+
+bool RecorderWorker::diskIsFull() const {
+    const QStorageInfo volume(QFileInfo(partPath).absolutePath());
+    const qint64 available = volume.bytesAvailable();
+    // A volume that does not tell its free space reports -1.
+    return volume.isValid() && available >= 0 && available < kLeastFreeBytes;
+}
+
+void RecorderWorker::render(bool flush) {
+    const auto latency = flush ? std::chrono::nanoseconds::zero() : kLatency;
+    const std::chrono::nanoseconds elapsed = Clock::now() - latency - sessionStart;
+    const qint64 target = std::max<qint64>(0, elapsed.count() * kSampleRate / 1'000'000'000);
+    if (target - mixer.samplesRead() > kLargestLag) {
+        finish(u"Обработка звука отстала более чем на 4 секунды"_s);
+        return;
+    }
+    while (mixer.samplesRead() < target) {
+        const qint64 count = std::min(target - mixer.samplesRead(), kLargestChunk);
+        QString error;
+        if (!encoder->write(mixer.read(static_cast<int>(count)), error)) {
+            finish(error);
+            return;
+        }
+    }
+}
+
+void RecorderWorker::push(int input, const AudioBlock& block) {
+    try {
+        mixer.push(input, block);
+    } catch (const std::exception& exception) {
+        finish(QString::fromUtf8(exception.what()));
+    }
+}
+
+// Ends the session. Errors that arrive from within, for instance during the last render, are kept
+// in pendingError and count only if there was none before.
+void RecorderWorker::finish(const QString& error) {
+    if (finishing) {
+        if (!error.isEmpty())
+            pendingError = error;
+        return;
+    }
+    if (isResting(state))
+        return;
+    finishing = true;
+    timer->stop();
+    QString message = error;
+    if (state == State::Recording && message.isEmpty())
+        drain();
+    if (message.isEmpty())
+        message = pendingError;
+    const qint64 samples = samplesWritten();
+    setState(State::Finalizing);
+    stopDevices();
+    QString encoderError;
+    if (encoder && !encoder->finish(encoderError) && message.isEmpty())
+        message = encoderError.isEmpty() ? u"Не удалось завершить файл"_s : encoderError;
+    // The session may be ending inside the encoder's own signal.
+    if (encoder)
+        encoder.release()->deleteLater();
+    backend.reset();
+    QString path = partPath;
+    if (message.isEmpty() && !keepFile(path))
+        message = u"Не удалось завершить сохранение файла"_s;
+    setState(message.isEmpty() ? State::Idle : State::Failed);
+    Q_EMIT completed(path, samples / kSamplesPerMs, message);
+    finishing = false;
+}
+
+void RecorderWorker::drain() {
+    readMicrophone();
+    render(true);
+}
+
+// Gives the finished file its final name; `path` keeps the temporary one when that fails.
+bool RecorderWorker::keepFile(QString& path) {
+    const QString finalPath = partPath.chopped(std::min(kPartSuffixLength, partPath.size()));
+    if (!QFile::rename(partPath, finalPath))
+        return false;
+    path = finalPath;
+    return true;
+}
+
+void RecorderWorker::stopDevices() {
+    closeMicrophone();
+    if (backend)
+        backend->stop();
+    activeSource.clear();
+}
+
+} // namespace qn

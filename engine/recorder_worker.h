@@ -1,0 +1,107 @@
+#pragma once
+
+#include "core/settings.h"
+#include "core/state.h"
+#include "engine/timeline_mixer.h"
+
+#include <QAudioDevice>
+#include <QAudioFormat>
+#include <QByteArray>
+#include <QDateTime>
+#include <QJsonObject>
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+#include <memory>
+
+class QAudioSource;
+class QIODevice;
+class QTimer;
+
+namespace qn {
+
+class CaptureBackend;
+class Encoder;
+struct AudioBlock;
+struct Catalog;
+
+// Runs one recording at a time: far side and microphone through the mixer into the encoder. Lives
+// on a thread of its own; every slot and member belongs to that thread, callers queue to it. The
+// file carries ".part" until it is complete. Session lifecycle stands in recorder_worker.cpp, the
+// watch over both sources in recorder_sources.cpp.
+class RecorderWorker : public QObject {
+    Q_OBJECT
+
+public:
+    RecorderWorker();
+    ~RecorderWorker() override;
+
+public Q_SLOTS:
+    // Ignored unless no session runs. `partPath` ends in ".part".
+    void begin(const qn::Settings& settings, const QString& partPath);
+    // Closes the sources and keeps the file open; the pause is absent from the file.
+    void pause();
+    void resume();
+    void stop();
+
+Q_SIGNALS:
+    void stateChanged(qn::State);
+    void began(const QDateTime&); // UTC
+    void progress(qint64 durationMs);
+    void levels(float microphone, float system); // peaks, full scale 1.0
+    // A switch of a source, or a warning; `details` is what the journal keeps of it.
+    void sourceChanged(const QString& description, const QJsonObject& details);
+    // The final path, or the ".part" path with the first error of the session.
+    void completed(const QString& path, qint64 durationMs, const QString& error);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void setState(State next);
+    void tick();
+    void watch(Clock::time_point now);
+    void render(bool flush);
+    void finish(const QString& error);
+    void drain();
+    bool keepFile(QString& path);
+    bool diskIsFull() const;
+    void stopDevices();
+    void push(int input, const AudioBlock& block);
+    void restartTimeline();
+    qint64 samplesWritten() const;
+
+    void openBackend();
+    void refreshSources();
+    void refreshFarSide();
+    void refreshMicrophone();
+    void announceFarSide(const QString& previous, const Catalog& catalog);
+    QAudioDevice chosenMicrophone() const;
+    void startMicrophone();
+    void closeMicrophone();
+    void readMicrophone();
+    void warning(const QString& text);
+
+    State state = State::Idle;
+    Settings settings;
+    QString partPath;
+    QString activeSource; // far-side id being captured; empty when none is open
+    QString lastWarning;
+    QString pendingError;        // arrived while finish was running
+    QByteArray microphoneId;     // empty when no microphone is open
+    QByteArray microphoneBuffer; // bytes of an incomplete frame
+    std::unique_ptr<CaptureBackend> backend;
+    std::unique_ptr<QAudioSource> microphone;
+    std::unique_ptr<Encoder> encoder;
+    QIODevice* microphoneDevice = nullptr; // the open microphone's
+    QAudioFormat microphoneFormat;
+    QTimer* timer = nullptr;
+    TimelineMixer mixer;
+    Clock::time_point sessionStart; // of the segment since the last pause; the mixer's origin
+    qint64 accumulatedSamples = 0;  // of the segments that ended with a pause
+    Clock::time_point lastRefresh;
+    Clock::time_point lastProgress;
+    bool finishing = false;
+};
+
+} // namespace qn
