@@ -1,1 +1,126 @@
 #include "engine/encoder.h"
+
+#include "engine/codec_arguments.h"
+#include "engine/tools.h"
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+using namespace Qt::StringLiterals;
+
+namespace qn {
+namespace {
+
+constexpr int kStartTimeoutMs = 5'000;
+constexpr int kFinishTimeoutMs = 30'000;
+constexpr int kKillTimeoutMs = 3'000;
+constexpr qint64 kMaxQueuedBytes = 1'920'000;             // 10 s of audio
+constexpr qsizetype kErrorTail = 4'000;                   // characters of ffmpeg's errors shown
+constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20; // bytes of them kept
+
+QStringList recordingArguments(const QString& path, AudioFormat format, const QDateTime& started) {
+    return QStringList{u"-hide_banner"_s,
+                       u"-loglevel"_s,
+                       u"error"_s,
+                       u"-nostdin"_s,
+                       u"-n"_s,
+                       u"-f"_s,
+                       u"f32le"_s,
+                       u"-probesize"_s,
+                       u"32"_s,
+                       u"-analyzeduration"_s,
+                       u"1"_s,
+                       u"-ar"_s,
+                       u"48000"_s,
+                       u"-ac"_s,
+                       u"1"_s,
+                       u"-i"_s,
+                       u"pipe:0"_s,
+                       u"-metadata"_s,
+                       u"creation_time="_s + started.toUTC().toString(Qt::ISODateWithMs)} +
+           codecArguments(format) + QStringList{u"-flush_packets"_s, u"1"_s, path};
+}
+
+} // namespace
+
+Encoder::~Encoder() {
+    // Destroying a running process still emits finished().
+    process.disconnect(this);
+    if (process.state() != QProcess::NotRunning)
+        abort();
+}
+
+bool Encoder::start(const QString& path, AudioFormat format, const QDateTime& started,
+                    QString& error) {
+    const QString program = ffmpegPath();
+    if (program.isEmpty()) {
+        error = u"Не найден поставляемый с приложением FFmpeg"_s;
+        return false;
+    }
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    connect(&process, &QProcess::readyReadStandardError, this, &Encoder::collectErrors);
+    connect(&process, &QProcess::finished, this, [this](int exitCode) {
+        if (!finishing)
+            Q_EMIT failed(
+                u"Кодировщик остановился (%1): %2"_s.arg(QString::number(exitCode), errorTail()));
+    });
+#ifdef Q_OS_UNIX
+    // Ctrl-C in a terminal goes to its whole process group; the encoder must outlive it and get
+    // the rest of the audio. It ends with its input when the program is killed.
+    process.setChildProcessModifier([] { ::setsid(); });
+#endif
+    process.start(program, recordingArguments(path, format, started), QIODevice::ReadWrite);
+    if (process.waitForStarted(kStartTimeoutMs))
+        return true;
+    error = process.errorString();
+    return false;
+}
+
+bool Encoder::write(const QList<float>& samples, QString& error) {
+    if (process.state() != QProcess::Running) {
+        collectErrors();
+        error = u"Кодировщик не работает: "_s + QString::fromUtf8(errorOutput);
+        return false;
+    }
+    if (process.bytesToWrite() > kMaxQueuedBytes) {
+        error = u"Кодировщик не успевает сохранять аудио"_s;
+        return false;
+    }
+    const qint64 bytes = samples.size() * qint64{sizeof(float)};
+    if (process.write(reinterpret_cast<const char*>(samples.constData()), bytes) == bytes)
+        return true;
+    error = process.errorString();
+    return false;
+}
+
+bool Encoder::finish(QString& error) {
+    finishing = true;
+    process.closeWriteChannel();
+    if (process.state() != QProcess::NotRunning && !process.waitForFinished(kFinishTimeoutMs)) {
+        abort();
+        error = u"Превышено время завершения кодирования"_s;
+        return false;
+    }
+    error = errorTail();
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+bool Encoder::abort() {
+    finishing = true;
+    process.kill();
+    return process.waitForFinished(kKillTimeoutMs);
+}
+
+void Encoder::collectErrors() {
+    errorOutput += process.readAllStandardError();
+    if (errorOutput.size() > kMaxErrorOutput)
+        errorOutput = errorOutput.last(kMaxErrorOutput);
+}
+
+QString Encoder::errorTail() {
+    collectErrors();
+    return QString::fromUtf8(errorOutput).right(kErrorTail);
+}
+
+} // namespace qn

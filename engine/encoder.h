@@ -2,6 +2,7 @@
 
 #include "core/audio_format.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QList>
 #include <QObject>
@@ -29,7 +30,8 @@ public:
     // Ends the input and waits up to 30 s for the file to be complete.
     bool finish(QString& error);
 
-    // Kills the process; the partial file stays. False if it does not end within 3 s.
+    // Kills the process; the partial file stays. False if it does not end within 3 s, or has
+    // ended before.
     bool abort();
 
 Q_SIGNALS:
@@ -37,8 +39,12 @@ Q_SIGNALS:
     void failed(const QString&);
 
 private:
+    void collectErrors();
+    QString errorTail();
+
     QProcess process;
     bool finishing = false;
+    QByteArray errorOutput; // of the process, its end
 };
 
 } // namespace qn

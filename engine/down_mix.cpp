@@ -1,0 +1,81 @@
+#include "engine/down_mix.h"
+
+#include <cmath>
+#include <limits>
+
+namespace qn {
+namespace {
+
+constexpr float kMinus3Db = 0.70710677F;
+
+float weightOfPosition(int bit) {
+    switch (bit) {
+    case 0: // front left
+    case 1: // front right
+        return 1.0F;
+    case 3: // low frequency
+        return 0.0F;
+    default:
+        return kMinus3Db;
+    }
+}
+
+// A select instead of a branch, so that loops over it vectorise.
+float finiteOrZero(float sample) {
+    return std::abs(sample) <= std::numeric_limits<float>::max() ? sample : 0.0F;
+}
+
+bool isPlainMean(const DownMixWeights& weights, int channels) {
+    for (int ch = 0; ch < channels; ++ch)
+        if (weights.channel[static_cast<size_t>(ch)] != 1.0F)
+            return false;
+    return true;
+}
+
+void downMixAny(const float* in, size_t channels, const DownMixWeights& weights,
+                std::span<float> mono) {
+    for (float& out : mono) {
+        double sum = 0;
+        for (size_t ch = 0; ch < channels; ++ch)
+            sum += static_cast<double>(finiteOrZero(in[ch])) *
+                   static_cast<double>(weights.channel[ch]);
+        out = static_cast<float>(sum / weights.sum);
+        in += channels;
+    }
+}
+
+} // namespace
+
+DownMixWeights downMixWeights(int channels, quint64 channelMask) {
+    DownMixWeights weights;
+    weights.channel.fill(1.0F);
+    const auto count = static_cast<size_t>(channels);
+    size_t next = 0;
+    for (int bit = 0; bit < 64 && next < count; ++bit)
+        if ((channelMask >> bit & 1U) != 0)
+            weights.channel[next++] = weightOfPosition(bit);
+    weights.sum = 0;
+    for (size_t ch = 0; ch < count; ++ch)
+        weights.sum += static_cast<double>(weights.channel[ch]);
+    return weights;
+}
+
+void downMix(std::span<const float> interleaved, int channels, const DownMixWeights& weights,
+             std::span<float> mono) {
+    const float* const in = interleaved.data();
+    const size_t frames = mono.size();
+    float* const out = mono.data();
+    if (channels == 1) { // the weight cancels out
+        for (size_t f = 0; f < frames; ++f)
+            out[f] = finiteOrZero(in[f]);
+    } else if (channels == 2 && isPlainMean(weights, channels)) {
+        for (size_t f = 0; f < frames; ++f)
+            out[f] = static_cast<float>((static_cast<double>(finiteOrZero(in[2 * f])) +
+                                         static_cast<double>(finiteOrZero(in[2 * f + 1]))) *
+                                        0.5);
+    } else {
+        downMixAny(in, static_cast<size_t>(channels), weights, mono);
+    }
+}
+
+} // namespace qn

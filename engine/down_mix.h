@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <array>
+#include <span>
+
+namespace qn {
+
+inline constexpr int kMaxChannels = 32;
+
+// How much each channel of an interleaved stream counts in its mono mix.
+struct DownMixWeights {
+    std::array<float, kMaxChannels> channel;
+    double sum; // the divisor; 0 when no channel is heard
+};
+
+// Weights by speaker position (WAVE channel-mask bits in channel order; 0 = unknown, all equal).
+// Centre and surround count 1/sqrt(2), the low-frequency channel not at all.
+DownMixWeights downMixWeights(int channels, quint64 channelMask);
+
+// Weighted mean of each frame, one per element of `mono`. Samples that aren't finite count as 0.
+void downMix(std::span<const float> interleaved, int channels, const DownMixWeights& weights,
+             std::span<float> mono);
+
+} // namespace qn
