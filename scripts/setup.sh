@@ -1,0 +1,75 @@
+# shellcheck shell=bash
+# Sourced by run, test and bench: the package lists, installing what is missing of them, building.
+# Installed packages are left alone, so no network is needed once all are there.
+
+# package_list NAME: the packages of a list on this system, one line of words.
+package_list() {
+    case $(uname -s)-$1 in
+    Linux-build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev \
+        libqt6sql6-sqlite libsoxr-dev libpulse-dev ffmpeg ;;
+    Linux-demo) echo xvfb xdotool pulseaudio pulseaudio-utils python3 python3-numpy ;;
+    Linux-pipewire) echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils ;;
+    Linux-test) echo gobjc++ libgnustep-base-dev clang-format-14 shellcheck librsvg2-bin icnsutils ;;
+    Linux-clang) echo clang libclang-rt-dev ;;
+    Linux-bench) echo libbenchmark-dev ;;
+    Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg ;;
+    Darwin-test) echo shellcheck librsvg ;;
+    Darwin-bench) echo google-benchmark ;;
+    esac
+}
+
+fail() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+# need LIST...: installs what is missing of these lists.
+need() {
+    local list package missing=()
+    case $(uname -s) in
+    Linux) command -v dpkg-query >/dev/null ||
+        fail "packages are installed with apt only; install what README.md lists by hand" ;;
+    Darwin) command -v brew >/dev/null || fail "Homebrew is needed first: https://brew.sh" ;;
+    *) fail "only Linux and macOS are supported" ;;
+    esac
+    for list in "$@"; do
+        for package in $(package_list "$list"); do
+            is_installed "$package" || missing+=("$package")
+        done
+    done
+    ((${#missing[@]})) || return 0
+    echo "Installing: ${missing[*]}"
+    install_packages "${missing[@]}" || fail "could not install: ${missing[*]}"
+}
+
+is_installed() {
+    if [[ $(uname -s) == Darwin ]]; then
+        brew list --versions "$1" >/dev/null 2>&1
+    else
+        [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed* ]]
+    fi
+}
+
+install_packages() {
+    local as_root=(env DEBIAN_FRONTEND=noninteractive)
+    if [[ $(uname -s) == Darwin ]]; then
+        brew install "$@"
+        return
+    fi
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null || fail "run it as root, or install sudo, to install: $*"
+        as_root=(sudo "${as_root[@]}")
+    fi
+    # A failed update is no reason to stop: the lists at hand may do.
+    "${as_root[@]}" apt-get update -q || true
+    # Refuses rather than removes: a desktop's PipeWire packages conflict with PulseAudio.
+    "${as_root[@]}" apt-get install -q -y --no-remove --no-install-recommends "$@"
+}
+
+# build PRESET [CMAKE-OPTION...]: configures and builds into build/PRESET.
+build() {
+    local preset=$1
+    shift
+    cmake --preset "$preset" "$@"
+    cmake --build --preset "$preset" --parallel "$(getconf _NPROCESSORS_ONLN)"
+}
