@@ -12,6 +12,9 @@
 
 #include <memory>
 
+class QFile;
+class QTimer;
+
 namespace qn {
 
 // Writes one recording to a file of the user's choice: a copy when it is complete and in the wanted
@@ -39,17 +42,28 @@ Q_SIGNALS:
     void finished(bool success, const QString& message);
 
 private:
+    void transcode(const Recording& recording, const QString& target, AudioFormat format);
+    void readProgress();
+    void reportProgress(const QByteArray& line);
+    void processFinished(int exitCode, QProcess::ExitStatus exitStatus);
+    void processFailed(QProcess::ProcessError error);
+
     void copyFile(const QString& source);
+    void copyStep(QFile& file, QTimer& timer);
+    void completeCopy(QTimer& timer, bool success, const QString& message);
+
+    // Every way out: drops the partial files, then reports.
     void complete(bool success, const QString& message);
 
     QProcess process;
-    std::unique_ptr<QSaveFile> output;
-    std::unique_ptr<QTemporaryFile> temporary;
-    QByteArray lineBuffer;
+    std::unique_ptr<QSaveFile> output; // the target; null when idle
+    std::unique_ptr<QTemporaryFile>
+        temporary;         // the transcoded file; null when idle or only copying
+    QByteArray lineBuffer; // of standard error, not yet split into lines
     bool running = false;
     bool cancelled = false;
     qint64 durationMs = 0;
-    QByteArray errorTail;
+    QByteArray errorTail; // the last of standard error, for the message
 };
 
 } // namespace qn
