@@ -4,9 +4,12 @@
 #include <QSlider>
 #include <QString>
 
+class QPainter;
 class QThread;
 
 namespace qn {
+
+struct DecodedPeaks;
 
 // A recording's waveform that doubles as the seek bar: value and range are milliseconds. Decodes on
 // a thread of its own; a change of file never waits for the old decode.
@@ -33,12 +36,27 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    QString file;
-    QString errorText;
-    QList<float> peaks;
-    QList<QThread*> decoders;
-    quint64 generation = 0;
+    void interruptDecoders();
+    void startDecoder();
+    void applyResult(quint64 ownGeneration, const DecodedPeaks& result);
+    void setPeaks(const QList<float>& newPeaks);
+
+    double playheadX() const;
+    void paintBackground(QPainter& painter, const QRectF& area, double playhead,
+                         const QColor& accent) const;
+    void paintColumns(QPainter& painter, const QRectF& area, double playhead, const QColor& accent);
+    void paintHint(QPainter& painter, const QRectF& area) const;
+    static void paintPlayhead(QPainter& painter, const QRectF& area, double playhead,
+                              const QColor& accent);
+    void paintFocus(QPainter& painter, const QColor& accent) const;
+
+    QString file;             // empty for none
+    QString errorText;        // of the last finished decode
+    QList<float> peaks;       // 0.0 to 1.0, evenly spaced over the file
+    QList<QThread*> decoders; // still running; all but the last are being interrupted
+    quint64 generation = 0;   // of `file`; a result of another one is dropped
     bool loading = false;
+    QList<float> columns; // the loudest peak of each painted column; empty until painted
 };
 
 } // namespace qn
