@@ -14,7 +14,6 @@ package_list() {
     Linux-bench) echo libbenchmark-dev ;;
     Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg ;;
     Darwin-test) echo shellcheck librsvg ;;
-    Darwin-bench) echo google-benchmark ;;
     esac
 }
 

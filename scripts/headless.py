@@ -1,0 +1,180 @@
+"""A private display, sound server and home, so that nothing of the user's own is touched."""
+
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+SINKS = [
+    # What a call plays. Without rewinds the sink renders 50 ms ahead instead of seconds.
+    "module-null-sink sink_name=speakers norewinds=1 rate=48000"
+    " sink_properties=device.description=Speakers",
+    # A microphone that hears what is played into "voice".
+    "module-null-sink sink_name=voice rate=48000",
+    "module-remap-source master=voice.monitor source_name=microphone"
+    " source_properties=device.description=Microphone",
+]
+
+
+def wait_for(what, condition, seconds=10):
+    """Polls until the condition gives something true, and returns that."""
+    deadline = time.monotonic() + seconds
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > deadline:
+            raise RuntimeError(f"waited {seconds} s in vain for {what}")
+        time.sleep(0.02)
+
+
+class Headless:
+    """Context manager; everything it started is gone when it is left, also by a signal."""
+
+    def __init__(self, server="pulseaudio", screen="1140x850"):
+        self.server = server
+        self.screen = screen
+        self.processes = []
+
+    def __enter__(self):
+        for number in (signal.SIGTERM, signal.SIGHUP):
+            signal.signal(number, lambda *_: sys.exit(1))
+        self.folder = Path(tempfile.mkdtemp(prefix="quorlin-"))
+        try:
+            self._make_home()
+            self._start_display()
+            self._start_sound()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            process.terminate()
+            try:
+                process.wait(5)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def spawn(self, *command, **options):
+        """Starts a process that gets no Ctrl-C of the terminal and ends with this object."""
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", open(self.folder / "log", "ab"))
+        process = subprocess.Popen(
+            [str(word) for word in command], env=self.env, start_new_session=True, **options
+        )
+        self.processes.append(process)
+        return process
+
+    def run(self, *command):
+        """Runs a command to its end and returns its output; raises when it fails."""
+        return subprocess.run(
+            [str(word) for word in command],
+            env=self.env, check=True, timeout=60, capture_output=True, text=True,
+        ).stdout
+
+    def log(self):
+        return (self.folder / "log").read_text(errors="replace")
+
+    def _make_home(self):
+        foreign = ("PULSE_", "PIPEWIRE_", "QT_QPA_", "DBUS_", "WAYLAND_", "XDG_", "XAUTHORITY")
+        self.env = {k: v for k, v in os.environ.items() if not k.startswith(foreign)}
+        runtime = self.folder / "runtime"
+        runtime.mkdir(mode=0o700)
+        self.env |= {"HOME": str(self.folder), "XDG_RUNTIME_DIR": str(runtime),
+                     "LC_ALL": "C.UTF-8"}
+
+    def _start_display(self):
+        reader, writer = os.pipe()
+        self.spawn("Xvfb", "-displayfd", writer, "-screen", "0", f"{self.screen}x24",
+                   pass_fds=[writer])
+        os.close(writer)
+        with open(reader, encoding="ascii") as numbers:
+            number = numbers.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start: " + self.log())
+        self.env["DISPLAY"] = ":" + number
+
+    def _start_sound(self):
+        if self.server == "pipewire":
+            self._start_pipewire()
+        else:
+            self.spawn("pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
+                       "-L", "module-native-protocol-unix")
+        wait_for("the sound server", lambda: self._pactl("info").returncode == 0)
+        for sink in SINKS:
+            self.run("pactl", "load-module", *sink.split())
+        self.run("pactl", "set-default-sink", "speakers")
+        self.run("pactl", "set-default-source", "microphone")
+        wait_for("the default devices",
+                 lambda: "Default Sink: speakers\nDefault Source: microphone"
+                 in self._pactl("info").stdout)
+
+    def _start_pipewire(self):
+        runtime = Path(self.env["XDG_RUNTIME_DIR"])
+        bus = runtime / "bus"
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={bus}"
+        self.spawn("dbus-daemon", "--session", "--nofork", f"--address=unix:path={bus}")
+        wait_for("the session bus", bus.exists)
+        self.spawn("pipewire")
+        wait_for("PipeWire", (runtime / "pipewire-0").exists)
+        self.spawn("wireplumber")
+        self.spawn("pipewire-pulse")
+
+    def _pactl(self, *arguments):
+        return subprocess.run(["pactl", *arguments], env=self.env, timeout=60,
+                              capture_output=True, text=True)
+
+
+class ProgramWindow:
+    """The program's real window, driven by keys and pictured from the display."""
+
+    def __init__(self, place, program, *arguments):
+        self.place = place
+        self.process = place.spawn(program, *arguments)
+        self.id = wait_for("the window", self._find, 20)
+        # Without a window manager nobody else hands out the focus.
+        place.run("xdotool", "windowfocus", "--sync", self.id)
+
+    def _find(self):
+        if self.process.poll() is not None:
+            raise RuntimeError("the program ended: " + self.place.log())
+        found = subprocess.run(
+            ["xdotool", "search", "--onlyvisible", "--name", "^Quorlin$"],
+            env=self.place.env, capture_output=True, text=True)
+        return found.stdout.split()[-1] if found.stdout.split() else None
+
+    def press(self, key):
+        self.place.run("xdotool", "key", "--clearmodifiers", key)
+
+    def click(self, x, y):
+        self.place.run("xdotool", "mousemove", x, y, "click", 1)
+
+    def type(self, text):
+        self.place.run("xdotool", "type", "--delay", 20, text)
+
+    def picture(self, path):
+        self.place.run("ffmpeg", "-v", "error", "-f", "x11grab", "-draw_mouse", 0,
+                       "-video_size", self.place.screen, "-i", self.place.env["DISPLAY"],
+                       "-frames:v", 1, "-y", path)
+
+    def quit(self):
+        """Closes the program as a user would; returns its exit status."""
+        self.press("ctrl+q")
+        return self.process.wait(30)
+
+
+def write_settings(place, recordings, audio_format="opus"):
+    """The program's preferences, so that it records into the given folder."""
+    folder = Path(place.env["HOME"]) / ".config" / "Quorlin"
+    folder.mkdir(parents=True, exist_ok=True)
+    path = str(recordings).replace("\\", "\\\\").replace('"', '\\"')
+    (folder / "Quorlin.conf").write_text(
+        f'[audio]\nformat={audio_format}\ndirectory="{path}"\n', encoding="utf-8")
