@@ -1,0 +1,106 @@
+#include "app/source_listing.h"
+#include "app/termination_signals.h"
+#include "core/audio_block.h"
+#include "core/settings.h"
+#include "core/state.h"
+#include "core/version.h"
+#include "ui/window.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QIcon>
+#include <QLockFile>
+#include <QMessageBox>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <exception>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kDataDir = u"data-dir"_s;
+const QString kSmokeTest = u"smoke-test"_s;
+const QString kListSources = u"list-sources"_s;
+
+constexpr auto kSmokeTestDuration = 2s;
+
+void nameApplication() {
+    QCoreApplication::setOrganizationName(u"Quorlin"_s);
+    QCoreApplication::setApplicationName(u"Quorlin"_s);
+    QCoreApplication::setApplicationVersion(qn::version());
+    QGuiApplication::setApplicationDisplayName(u"Quorlin"_s);
+    QGuiApplication::setDesktopFileName(u"quorlin"_s);
+    QApplication::setWindowIcon(QIcon(u":/app-icon.png"_s));
+}
+
+// Before any connection: values of these types travel between the threads.
+void registerTypes() {
+    qRegisterMetaType<qn::AudioBlock>("qn::AudioBlock");
+    qRegisterMetaType<qn::Settings>("qn::Settings");
+    qRegisterMetaType<qn::State>("qn::State");
+}
+
+void parse(QCommandLineParser& parser, const QApplication& application) {
+    parser.setApplicationDescription(u"Запись созвонов и локальная библиотека аудио"_s);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOption({kDataDir, u"Каталог библиотеки и служебных данных"_s, u"path"_s, QString()});
+    parser.addOption({kSmokeTest, u"Открыть окно и завершиться через 2 секунды"_s});
+    parser.addOption({kListSources, u"Вывести доступные источники звука"_s});
+    parser.process(application);
+}
+
+QString dataFolder(const QCommandLineParser& parser) {
+    return parser.isSet(kDataDir)
+               ? parser.value(kDataDir)
+               : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+}
+
+int runWindow(const QString& dataDirectory, bool smokeTest) {
+    try {
+        qn::Window window(dataDirectory);
+        window.show();
+        qn::TerminationSignals termination;
+        QObject::connect(&termination, &qn::TerminationSignals::received, &window,
+                         &qn::Window::saveAndClose);
+        if (smokeTest)
+            QTimer::singleShot(kSmokeTestDuration, Qt::CoarseTimer, qApp, &QCoreApplication::quit);
+        return QApplication::exec();
+    } catch (const std::exception& exception) {
+        QMessageBox::critical(nullptr, u"Quorlin"_s, QString::fromUtf8(exception.what()));
+        return 1;
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    // Of Qt's media back ends the one that plays and seeks Ogg Opus, MP3 and WAV on every platform.
+    qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+    const QApplication application(argc, argv);
+    nameApplication();
+    registerTypes();
+    QCommandLineParser parser;
+    parse(parser, application);
+    if (parser.isSet(kListSources))
+        return qn::listSources();
+
+    const QString dataDirectory = dataFolder(parser);
+    if (!QDir().mkpath(dataDirectory)) {
+        QMessageBox::critical(nullptr, u"Quorlin"_s, u"Не удалось создать каталог библиотеки"_s);
+        return 1;
+    }
+    QLockFile lock(QDir(dataDirectory).filePath(u"instance.lock"_s));
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock(0)) {
+        QMessageBox::information(nullptr, u"Quorlin"_s,
+                                 u"Приложение уже использует эту библиотеку"_s);
+        return 1;
+    }
+    return runWindow(dataDirectory, parser.isSet(kSmokeTest));
+}

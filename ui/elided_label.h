@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QLabel>
+
+namespace qn {
+
+// One line of text from outside (a device's name, a warning) that never widens the window: what
+// doesn't fit ends in "…" and is in the tool tip.
+class ElidedLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    using QLabel::QLabel;
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace qn

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWidget>
+
+class QProgressBar;
+class QPushButton;
+
+namespace qn {
+
+// Progress of the running export with its cancel button; hidden, children included, between
+// exports.
+class ExportBar : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ExportBar(QWidget* parent = nullptr);
+
+    // Shows the bar at 0 %.
+    void begin();
+    void end();
+    void setProgress(int percent);
+
+Q_SIGNALS:
+    void cancelClicked();
+
+private:
+    void showAll(bool visible);
+
+    QProgressBar* progress = nullptr;
+    QPushButton* cancel = nullptr;
+};
+
+} // namespace qn

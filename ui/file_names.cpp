@@ -1,0 +1,47 @@
+#include "ui/file_names.h"
+
+#include "core/text.h"
+#include "ui/recording_text.h"
+
+#include <QTimeZone>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+QString exportFilters() {
+    return u"Opus (*.opus);;MP3 (*.mp3);;WAV (*.wav)"_s;
+}
+
+QString exportFilter(AudioFormat format) {
+    const int index = static_cast<int>(format);
+    return exportFilters().split(u";;"_s).value(index);
+}
+
+AudioFormat formatOfFilter(const QString& filter) {
+    if (filter.startsWith(u"MP3"_s))
+        return AudioFormat::Mp3;
+    if (filter.startsWith(u"WAV"_s))
+        return AudioFormat::Wav;
+    return AudioFormat::Opus;
+}
+
+QString exportFileName(const Recording& recording) {
+    const QDateTime started = recording.started.toTimeZone(recordingZone(recording.timezone));
+    return safeFileName(recording.title) + u'_' + started.toString(u"yyyy-MM-dd_HH-mm"_s) + u'.' +
+           recording.format;
+}
+
+QString withExtension(const QString& path, AudioFormat format) {
+    const QString extension = u'.' + toText(format);
+    return path.endsWith(extension, Qt::CaseInsensitive) ? path : path + extension;
+}
+
+QString recoveryPath(const Recording& recording) {
+    const QString suffix = u".part"_s;
+    if (recording.path.endsWith(suffix))
+        return recording.path.chopped(suffix.size());
+    return recording.path + u".recovered."_s + recording.format;
+}
+
+} // namespace qn

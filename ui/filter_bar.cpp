@@ -1,0 +1,56 @@
+#include "ui/filter_bar.h"
+
+#include <QCheckBox>
+#include <QDateEdit>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+FilterBar::FilterBar(QWidget* parent)
+    : QWidget(parent),
+      search(new QLineEdit),
+      dateCheck(new QCheckBox(u"Дата"_s)),
+      dateField(new QDateEdit(QDate::currentDate())) {
+    auto* caption = new QLabel(u"Библиотека созвонов"_s);
+    caption->setStyleSheet(u"font-size:18px;font-weight:600"_s);
+    search->setPlaceholderText(u"Поиск по названию"_s);
+    search->setAccessibleName(u"Поиск по названию"_s);
+    search->setClearButtonEnabled(true);
+    dateField->setCalendarPopup(true);
+    dateField->setEnabled(false);
+    dateField->setAccessibleName(u"Дата созвона"_s);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(caption);
+    layout->addStretch();
+    layout->addWidget(search);
+    layout->addWidget(dateCheck);
+    layout->addWidget(dateField);
+
+    connect(search, &QLineEdit::textChanged, this, &FilterBar::changed);
+    connect(dateField, &QDateEdit::dateChanged, this, &FilterBar::changed);
+    connect(dateCheck, &QCheckBox::toggled, this, [this](bool checked) {
+        dateField->setEnabled(checked);
+        Q_EMIT changed();
+    });
+}
+
+QString FilterBar::searchText() const {
+    return search->text();
+}
+
+QDate FilterBar::date() const {
+    return dateCheck->isChecked() ? dateField->date() : QDate();
+}
+
+void FilterBar::focusSearch() {
+    search->setFocus(Qt::ShortcutFocusReason);
+    search->selectAll();
+}
+
+} // namespace qn

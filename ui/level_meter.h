@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QProgressBar>
+
+namespace qn {
+
+// A level from 0 to 100 % as one filled bar. Updated 50 times a second while recording, so it
+// paints itself as two plain fills and both meters share one paint pass.
+class LevelMeter : public QProgressBar {
+    Q_OBJECT
+
+public:
+    explicit LevelMeter(QWidget* parent = nullptr);
+
+    // A peak, full scale 1.0; clamped.
+    void setLevel(float level);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace qn

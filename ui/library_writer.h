@@ -1,0 +1,49 @@
+#pragma once
+
+#include "core/recording.h"
+
+#include <QHash>
+#include <QJsonObject>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+namespace qn {
+
+class Library;
+
+// Writes the recording in progress into the library. What a locked or full library refuses is kept
+// and written as soon as it accepts it, so that it never ends a recording.
+class LibraryWriter : public QObject {
+    Q_OBJECT
+
+public:
+    explicit LibraryWriter(Library& library);
+
+    void update(const Recording& recording);
+    void event(const QString& recordingId, const QString& kind, const QJsonObject& details);
+
+    // Tries once more at once, instead of waiting for the next try.
+    void flush();
+
+Q_SIGNALS:
+    // Emitted once, when the library begins to refuse.
+    void refused(const QString& error);
+
+private:
+    struct Event {
+        QString recordingId;
+        QString kind;
+        QJsonObject details;
+    };
+
+    void write();
+
+    Library& library;
+    QHash<QString, Recording> rows; // the newest state of each, by id
+    QList<Event> events;
+    QTimer retry; // runs while the library refuses
+};
+
+} // namespace qn

@@ -1,0 +1,58 @@
+#include "ui/playback_panel.h"
+
+#include "core/text.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kButtonHeight = 34; // px
+
+QPushButton* playbackButton(const QString& text, const QString& objectName) {
+    auto* button = new QPushButton(text);
+    button->setObjectName(objectName);
+    button->setMinimumHeight(kButtonHeight);
+    return button;
+}
+
+} // namespace
+
+PlaybackPanel::PlaybackPanel(QWidget* parent)
+    : QWidget(parent),
+      playButton(playbackButton(u"Плей"_s, u"playbackPlay"_s)),
+      pauseButton(playbackButton(u"Пауза"_s, u"playbackPause"_s)),
+      backButton(playbackButton(u"\u221210 с"_s, u"playbackBack"_s)),
+      forwardButton(playbackButton(u"+10 с"_s, u"playbackForward"_s)),
+      position(new QLabel) {
+    backButton->setToolTip(u"Перемотать на 10 секунд назад"_s);
+    forwardButton->setToolTip(u"Перемотать на 10 секунд вперёд"_s);
+    pauseButton->setAccessibleName(u"Пауза воспроизведения"_s);
+    position->setAccessibleName(u"Позиция воспроизведения"_s);
+    showPosition(0, 0);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    for (QPushButton* button : {playButton, pauseButton, backButton, forwardButton})
+        layout->addWidget(button);
+    layout->addWidget(position);
+    layout->addStretch();
+}
+
+void PlaybackPanel::apply(const PlaybackRules& rules) {
+    playButton->setEnabled(rules.play);
+    pauseButton->setEnabled(rules.pause);
+    backButton->setEnabled(rules.seek);
+    forwardButton->setEnabled(rules.seek);
+}
+
+void PlaybackPanel::showPosition(qint64 positionMs, qint64 durationMs) {
+    position->setText(formatDuration(positionMs) + u" / "_s + formatDuration(durationMs));
+}
+
+} // namespace qn

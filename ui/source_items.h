@@ -1,0 +1,36 @@
+#pragma once
+
+#include "capture/catalog.h"
+#include "core/settings.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+namespace qn {
+
+struct ComboItem {
+    QString text;
+    QVariant data;
+
+    bool operator==(const ComboItem&) const = default;
+};
+
+struct ComboContents {
+    QList<ComboItem> items;
+    int current = -1;
+    bool enabled = true;
+};
+
+struct MicrophoneEntry {
+    QByteArray id;
+    QString name;
+};
+
+// What the source combo offers for the chosen kind; a chosen source that is not there stays listed.
+ComboContents sourceItems(const Settings& settings, const Catalog& catalog);
+
+ComboContents microphoneItems(const Settings& settings, const QList<MicrophoneEntry>& microphones);
+
+} // namespace qn

@@ -1,0 +1,205 @@
+#include "ui/window.h"
+
+#include "core/version.h"
+#include "engine/recorder_worker.h"
+#include "storage/settings_store.h"
+#include "ui/action_bar.h"
+#include "ui/export_bar.h"
+#include "ui/filter_bar.h"
+#include "ui/layouts.h"
+#include "ui/library_writer.h"
+#include "ui/playback_panel.h"
+#include "ui/recording_panel.h"
+#include "ui/recording_table.h"
+#include "ui/settings_dialog.h"
+#include "ui/shortcuts.h"
+#include "ui/waveform_timeline.h"
+
+#include <QAudioDevice>
+#include <QCoreApplication>
+#include <QDir>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMediaDevices>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTextEdit>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr QSize kInitialSize(1140, 850);
+constexpr QSize kSmallestSize(840, 680);
+constexpr QMargins kMargins(22, 18, 22, 18);
+constexpr int kDetailsHeight = 110; // px
+constexpr auto kCatalogInterval = 3000ms;
+constexpr float kPlaybackVolume = 0.8F;
+
+QList<MicrophoneEntry> listMicrophones() {
+    QList<MicrophoneEntry> entries;
+    const QList<QAudioDevice> inputs = QMediaDevices::audioInputs();
+    for (const QAudioDevice& device : inputs)
+        entries.append({device.id(), device.description()});
+    return entries;
+}
+
+} // namespace
+
+Window::Window(const QString& dataDirectory)
+    : library(std::make_unique<Library>(QDir(dataDirectory).filePath(u"library.sqlite3"_s))),
+      writer(std::make_unique<LibraryWriter>(*library)),
+      backend(makeCaptureBackend()),
+      settings(loadSettings()) {
+    library->markInterrupted();
+    setWindowTitle(u"Quorlin"_s);
+    setWindowIcon(QIcon(u":/app-icon.png"_s));
+    resize(kInitialSize);
+    setMinimumSize(kSmallestSize);
+    buildUi();
+    audioOutput.setVolume(kPlaybackVolume);
+    connectPlayer();
+    connectControls();
+    connectWorker();
+    bindShortcuts();
+    auto* catalogTimer = new QTimer(this);
+    connect(catalogTimer, &QTimer::timeout, this, [this] {
+        if (isResting(state))
+            refreshCatalog();
+    });
+    catalogTimer->start(kCatalogInterval);
+    refreshCatalog();
+    refreshLibrary();
+    stateChanged(State::Idle);
+}
+
+Window::~Window() {
+    closing = true;
+    exportJob.disconnect(this);
+    player.disconnect(this);
+    exportJob.cancel();
+    if (workerThread.isRunning()) {
+        QMetaObject::invokeMethod(worker, &RecorderWorker::stop, Qt::BlockingQueuedConnection);
+        // What the worker said while it finished still belongs into the library.
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+        workerThread.quit();
+        workerThread.wait();
+    }
+    writer->flush();
+}
+
+void Window::buildUi() {
+    settingsDialog = new SettingsDialog(settings, this);
+    recordingPanel = new RecordingPanel;
+    filterBar = new FilterBar;
+    table = new RecordingTable;
+    actionBar = new ActionBar;
+    waveform = new WaveformTimeline;
+    waveform->setObjectName(u"playbackSeek"_s);
+    playbackPanel = new PlaybackPanel;
+    exportBar = new ExportBar;
+    details = new QTextEdit;
+    details->setReadOnly(true);
+    details->setMaximumHeight(kDetailsHeight);
+    details->setTabChangesFocus(true);
+    details->setAccessibleName(u"Сведения о записи"_s);
+    details->setPlaceholderText(
+        u"Выберите созвон для просмотра времени, файла и переключений источников"_s);
+
+    auto* central = new QWidget;
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(kMargins);
+    layout->addWidget(buildHeader());
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{recordingPanel, filterBar, table, actionBar, waveform,
+                                         playbackPanel, exportBar, details})
+        layout->addWidget(widget);
+    setCentralWidget(central);
+    buildMenu();
+}
+
+QWidget* Window::buildHeader() {
+    auto* name = new QLabel(u"Quorlin"_s);
+    name->setStyleSheet(u"font-size:25px;font-weight:650"_s);
+    auto* settingsButton = new QPushButton(u"Настройки"_s);
+    connect(settingsButton, &QPushButton::clicked, settingsDialog, &QDialog::show);
+    bindShortcut(this, preferencesKey(), settingsButton);
+    auto* header = rowOf({name, settingsButton});
+    static_cast<QHBoxLayout*>(header->layout())->insertStretch(1);
+    return header;
+}
+
+void Window::buildMenu() {
+    menuBar()->addMenu(u"Справка"_s)->addAction(u"О программе"_s, this, [this] {
+        QMessageBox::about(
+            this, u"Quorlin"_s,
+            u"Quorlin %1\nЗапись созвонов и локальная библиотека аудио."_s.arg(version()));
+    });
+}
+
+void Window::connectControls() {
+    connect(settingsDialog, &SettingsDialog::sourceKindChanged, this, &Window::changeSourceKind);
+    connect(settingsDialog, &SettingsDialog::changed, this, &Window::savePreferences);
+    connect(recordingPanel->recordButton(), &QPushButton::clicked, this, &Window::startRecording);
+    connect(recordingPanel->pauseButton(), &QPushButton::clicked, this, &Window::togglePause);
+    connect(recordingPanel->stopButton(), &QPushButton::clicked, this, &Window::stopRecording);
+    connect(filterBar, &FilterBar::changed, this, &Window::refreshLibrary);
+    connect(table, &QTableWidget::itemSelectionChanged, this, &Window::selectionChanged);
+    connect(table, &QTableWidget::cellDoubleClicked, this, &Window::playSelected);
+    connect(actionBar->exportButton, &QPushButton::clicked, this, &Window::exportSelected);
+    connect(actionBar->recoverButton, &QPushButton::clicked, this, &Window::recoverSelected);
+    connect(actionBar->renameButton, &QPushButton::clicked, this, &Window::renameSelected);
+    connect(actionBar->folderButton, &QPushButton::clicked, this, &Window::openFolder);
+    connect(actionBar->removeButton, &QPushButton::clicked, this, &Window::deleteSelected);
+    connect(exportBar, &ExportBar::cancelClicked, &exportJob, &ExportJob::cancel);
+    connect(&exportJob, &ExportJob::progress, exportBar, &ExportBar::setProgress);
+    connect(&exportJob, &ExportJob::finished, this, &Window::exportFinished);
+    connect(writer.get(), &LibraryWriter::refused, this, &Window::libraryRefused);
+}
+
+void Window::bindShortcuts() {
+    bindShortcut(this, QKeySequence(u"Ctrl+R"_s), recordingPanel->recordButton());
+    bindShortcut(this, QKeySequence(u"Ctrl+P"_s), recordingPanel->pauseButton());
+    bindShortcut(this, QKeySequence(u"Ctrl+."_s), recordingPanel->stopButton());
+    bindShortcut(this, QKeySequence(u"Ctrl+E"_s), actionBar->exportButton);
+    bindShortcut(this, QKeySequence(u"F2"_s), actionBar->renameButton);
+    bindShortcut(this, QKeySequence(u"Ctrl+Left"_s), playbackPanel->backButton);
+    bindShortcut(this, QKeySequence(u"Ctrl+Right"_s), playbackPanel->forwardButton);
+    bindShortcut(this, QKeySequence(QKeySequence::Find), [this] { filterBar->focusSearch(); });
+    bindShortcut(this, quitKey(), [this] { close(); });
+    bindLocalShortcut(table, QKeySequence(QKeySequence::Delete), [this] { deleteSelected(); });
+    bindLocalShortcut(table, QKeySequence(Qt::Key_Space), [this] { togglePlayback(); });
+    bindLocalShortcut(waveform, QKeySequence(Qt::Key_Space), [this] { togglePlayback(); });
+}
+
+void Window::refreshCatalog() {
+    populating = true;
+    catalog = backend->catalog();
+    settingsDialog->showSources(settings, catalog, listMicrophones());
+    populating = false;
+}
+
+void Window::changeSourceKind(int kind) {
+    if (populating)
+        return;
+    settings.sourceKind = kind;
+    settings.sourceId.clear();
+    refreshCatalog();
+    savePreferences();
+}
+
+void Window::savePreferences() {
+    if (populating)
+        return;
+    settings = settingsDialog->edited();
+    saveSettings(settings);
+}
+
+} // namespace qn

@@ -1,0 +1,139 @@
+#pragma once
+
+#include "capture/capture_backend.h"
+#include "core/recording.h"
+#include "core/settings.h"
+#include "core/state.h"
+#include "export/export_job.h"
+#include "storage/library.h"
+#include "ui/control_rules.h"
+
+#include <QAudioOutput>
+#include <QList>
+#include <QMainWindow>
+#include <QMediaPlayer>
+#include <QThread>
+
+#include <functional>
+#include <memory>
+
+class QTextEdit;
+
+namespace qn {
+
+class ActionBar;
+class ExportBar;
+class FilterBar;
+class LibraryWriter;
+class PlaybackPanel;
+class RecorderWorker;
+class RecordingPanel;
+class RecordingTable;
+class SettingsDialog;
+class WaveformTimeline;
+
+// The main window. Owns the library, the worker with its thread, the export job and the player, and
+// carries facts and wishes between them and the widgets. It mirrors the worker's state and calls it
+// only through queued invocations. The sources go by subject: window.cpp builds and lists sources,
+// window_recording.cpp records, window_library.cpp browses, window_playback.cpp plays,
+// window_actions.cpp exports, repairs, renames, deletes and closes.
+class Window : public QMainWindow {
+    Q_OBJECT
+
+public:
+    // Opens the library in that folder; throws std::runtime_error when it can't.
+    explicit Window(const QString& dataDirectory);
+
+    // Finishes a running recording before it returns.
+    ~Window() override;
+
+    // Closes without asking; a running recording is finished and saved first.
+    void saveAndClose();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildUi();
+    QWidget* buildHeader();
+    void buildMenu();
+    void connectControls();
+    void connectWorker();
+    void bindShortcuts();
+    void refreshCatalog();
+    void changeSourceKind(int kind);
+    void savePreferences();
+
+    void startRecording();
+    bool microphoneAllowed();
+    bool insertRecording(const Recording& recording);
+    void togglePause();
+    void stopRecording();
+    void invokeWorker(void (RecorderWorker::*slot)());
+    void stateChanged(qn::State newState);
+    void recordingBegan(const QDateTime& startedUtc);
+    void recordingProgress(qint64 durationMs);
+    void sourceChanged(const QString& description, const QJsonObject& details);
+    void recordingFinished(const QString& path, qint64 durationMs, const QString& error);
+
+    void refreshLibrary();
+    void selectionChanged();
+    void showDetails();
+    const Recording* selected() const;
+    SelectionFacts selectionFacts() const;
+    void openFolder();
+
+    void connectPlayer();
+    void setPlayerSource(const QUrl& url);
+    void playSelected();
+    void togglePlayback();
+    void seekPlayback(qint64 deltaMs);
+    void updatePlaybackControls();
+    void showPosition(qint64 positionMs);
+
+    void exportSelected();
+    void recoverSelected();
+    void renameSelected();
+    void deleteSelected();
+    void exportFinished(bool success, const QString& message);
+    void completeRecovery();
+    bool confirm(const QString& title, const QString& question);
+    bool deferCloseToRecording();
+    bool tryLibrary(const std::function<void()>& action);
+    bool readLibrary(const std::function<void()>& action);
+    void libraryRefused(const QString& error);
+    void showError(const QString& message);
+
+    std::unique_ptr<Library> library;
+    std::unique_ptr<LibraryWriter> writer;   // the recording in progress goes through it
+    std::unique_ptr<CaptureBackend> backend; // lists sources only
+    Settings settings;
+    Catalog catalog;
+    QThread workerThread;
+    RecorderWorker* worker = nullptr; // lives on workerThread, which deletes it
+    ExportJob exportJob;
+    QMediaPlayer player;
+    QAudioOutput audioOutput;
+    QList<Recording> rows; // of the table, in its order
+    Recording current;     // in progress; its id is empty when none is
+    State state = State::Idle;
+    bool populating = false;        // the source combos are being refilled
+    bool libraryErrorShown = false; // until the library works again
+    bool closePending = false;
+    bool closing = false; // nobody is there to answer: no more message boxes
+    bool recovering = false;
+    Recording exportSubject; // being repaired
+    QString recoveryTarget;
+
+    SettingsDialog* settingsDialog = nullptr;
+    RecordingPanel* recordingPanel = nullptr;
+    FilterBar* filterBar = nullptr;
+    RecordingTable* table = nullptr;
+    ActionBar* actionBar = nullptr;
+    WaveformTimeline* waveform = nullptr;
+    PlaybackPanel* playbackPanel = nullptr;
+    ExportBar* exportBar = nullptr;
+    QTextEdit* details = nullptr;
+};
+
+} // namespace qn

@@ -1,0 +1,120 @@
+#include "ui/playback_panel.h"
+#include "ui/waveform_timeline.h"
+#include "ui/window.h"
+
+#include <QAudioDevice>
+#include <QMediaDevices>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QUrl>
+
+#include <algorithm>
+#include <limits>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kErrorShownMs = 15000;
+constexpr qint64 kSkipMs = 10000;
+
+int sliderValue(qint64 ms) {
+    return static_cast<int>(std::min<qint64>(ms, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+void Window::connectPlayer() {
+    player.setAudioOutput(&audioOutput);
+    connect(&player, &QMediaPlayer::positionChanged, this, &Window::showPosition);
+    connect(&player, &QMediaPlayer::durationChanged, this, [this](qint64 duration) {
+        const QSignalBlocker blocker(waveform);
+        waveform->setMaximum(sliderValue(duration));
+        playbackPanel->showPosition(player.position(), duration);
+        updatePlaybackControls();
+    });
+    connect(&player, &QMediaPlayer::playbackStateChanged, this, &Window::updatePlaybackControls);
+    connect(&player, &QMediaPlayer::mediaStatusChanged, this, &Window::updatePlaybackControls);
+    connect(&player, &QMediaPlayer::seekableChanged, this, &Window::updatePlaybackControls);
+    connect(&player, &QMediaPlayer::errorOccurred, this,
+            [this](QMediaPlayer::Error, const QString& text) {
+                statusBar()->showMessage(u"Не удалось воспроизвести: "_s + text, kErrorShownMs);
+            });
+    connect(waveform, &QSlider::sliderMoved, this,
+            [this](int value) { playbackPanel->showPosition(value, player.duration()); });
+    connect(waveform, &QSlider::valueChanged, this, [this](int value) {
+        if (waveform->isEnabled() && !waveform->isSliderDown())
+            player.setPosition(value);
+    });
+    connect(playbackPanel->playButton, &QPushButton::clicked, this, &Window::playSelected);
+    connect(playbackPanel->pauseButton, &QPushButton::clicked, &player, &QMediaPlayer::pause);
+    connect(playbackPanel->backButton, &QPushButton::clicked, this,
+            [this] { seekPlayback(-kSkipMs); });
+    connect(playbackPanel->forwardButton, &QPushButton::clicked, this,
+            [this] { seekPlayback(kSkipMs); });
+}
+
+void Window::setPlayerSource(const QUrl& url) {
+    if (player.source() == url)
+        return;
+    player.stop();
+    player.setSource(url);
+    const QSignalBlocker blocker(waveform);
+    waveform->setValue(0);
+}
+
+void Window::showPosition(qint64 positionMs) {
+    if (waveform->isSliderDown())
+        return;
+    const QSignalBlocker blocker(waveform);
+    waveform->setValue(sliderValue(positionMs));
+    playbackPanel->showPosition(positionMs, player.duration());
+}
+
+void Window::playSelected() {
+    const Recording* recording = selected();
+    if (!recording || !playbackPanel->playButton->isEnabled())
+        return;
+    // Without a device the player's back end can't play and may even crash.
+    if (QMediaDevices::defaultAudioOutput().isNull()) {
+        statusBar()->showMessage(u"Не удалось воспроизвести: нет устройства вывода звука"_s,
+                                 kErrorShownMs);
+        return;
+    }
+    audioOutput.setDevice(QMediaDevices::defaultAudioOutput());
+    const QUrl url = QUrl::fromLocalFile(recording->path);
+    if (player.source() != url)
+        player.setSource(url);
+    if (player.mediaStatus() == QMediaPlayer::EndOfMedia)
+        player.setPosition(0);
+    player.play();
+}
+
+void Window::togglePlayback() {
+    if (player.playbackState() == QMediaPlayer::PlayingState)
+        player.pause();
+    else
+        playSelected();
+}
+
+void Window::seekPlayback(qint64 deltaMs) {
+    if (waveform->isEnabled())
+        player.setPosition(std::clamp<qint64>(player.position() + deltaMs, 0,
+                                              std::max<qint64>(player.duration(), 0)));
+}
+
+void Window::updatePlaybackControls() {
+    const Recording* recording = selected();
+    const PlayerFacts facts{.loaded = recording &&
+                                      player.source() == QUrl::fromLocalFile(recording->path),
+                            .playing = player.playbackState() == QMediaPlayer::PlayingState,
+                            .seekable = player.isSeekable(),
+                            .hasDuration = player.duration() > 0};
+    const PlaybackRules rules = playbackRules(selectionFacts(), facts);
+    playbackPanel->apply(rules);
+    waveform->setEnabled(rules.seek);
+}
+
+} // namespace qn

@@ -1,0 +1,163 @@
+#include "engine/recorder_worker.h"
+#include "ui/library_writer.h"
+#include "ui/microphone_permission.h"
+#include "ui/new_recording.h"
+#include "ui/recording_panel.h"
+#include "ui/settings_dialog.h"
+#include "ui/window.h"
+
+#include <QDir>
+#include <QTemporaryFile>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+void Window::connectWorker() {
+    worker = new RecorderWorker;
+    worker->moveToThread(&workerThread);
+    connect(&workerThread, &QThread::finished, worker, &QObject::deleteLater);
+    connect(worker, &RecorderWorker::stateChanged, this, &Window::stateChanged);
+    connect(worker, &RecorderWorker::began, this, &Window::recordingBegan);
+    connect(worker, &RecorderWorker::progress, this, &Window::recordingProgress);
+    connect(worker, &RecorderWorker::levels, recordingPanel, &RecordingPanel::setLevels);
+    connect(worker, &RecorderWorker::sourceChanged, this, &Window::sourceChanged);
+    connect(worker, &RecorderWorker::completed, this, &Window::recordingFinished);
+    workerThread.start();
+}
+
+void Window::invokeWorker(void (RecorderWorker::*slot)()) {
+    QMetaObject::invokeMethod(worker, slot, Qt::QueuedConnection);
+}
+
+void Window::togglePause() {
+    invokeWorker(state == State::Paused ? &RecorderWorker::resume : &RecorderWorker::pause);
+}
+
+void Window::stopRecording() {
+    invokeWorker(&RecorderWorker::stop);
+}
+
+void Window::startRecording() {
+    if (!isResting(state))
+        return;
+    savePreferences();
+    if (settings.sourceKind != 0 && settings.sourceId.isEmpty()) {
+        showError(u"Выберите устройство или приложение в настройках"_s);
+        return;
+    }
+    if (settings.microphoneEnabled && !microphoneAllowed())
+        return;
+    if (!QDir().mkpath(settings.directory)) {
+        showError(u"Не удалось создать папку записей"_s);
+        return;
+    }
+    QTemporaryFile probe(QDir(settings.directory).filePath(u".quorlin-check-XXXXXX"_s));
+    if (!probe.open()) {
+        showError(u"Папка записей недоступна для записи"_s);
+        return;
+    }
+    player.stop();
+    const Recording recording =
+        newRecording(settings, recordingPanel->title(), QDateTime::currentDateTimeUtc());
+    if (!insertRecording(recording))
+        return;
+    current = recording;
+    recordingPanel->setElapsed(0);
+    stateChanged(State::Starting);
+    refreshLibrary();
+    QMetaObject::invokeMethod(
+        worker,
+        [target = worker, copy = settings, path = current.path] { target->begin(copy, path); },
+        Qt::QueuedConnection);
+}
+
+// False when the recording can't start now; where the user has to be asked, the answer starts it.
+bool Window::microphoneAllowed() {
+    const auto answered = [this](bool granted) {
+        recordingPanel->setRecordEnabled(isResting(state));
+        if (granted)
+            startRecording();
+        else
+            showError(u"Разрешите доступ к микрофону в настройках системы либо отключите микрофон "
+                      "в настройках записи."_s);
+    };
+    switch (requestMicrophone(this, answered)) {
+    case MicrophonePermission::Granted:
+        return true;
+    case MicrophonePermission::Denied:
+        showError(u"Доступ к микрофону запрещён. Разрешите его в настройках системы либо отключите "
+                  "микрофон."_s);
+        return false;
+    case MicrophonePermission::Undetermined:
+        recordingPanel->setRecordEnabled(false);
+        return false;
+    }
+    return false;
+}
+
+bool Window::insertRecording(const Recording& recording) {
+    return tryLibrary([&] { library->insert(recording); });
+}
+
+void Window::stateChanged(State newState) {
+    const State oldState = std::exchange(state, newState);
+    recordingPanel->showState(newState);
+    settingsDialog->setEditable(isResting(newState));
+    if (!current.id.isEmpty() && newState == State::Paused) {
+        current.status = u"paused"_s;
+        writer->event(current.id, u"pause"_s, {});
+        writer->update(current);
+    } else if (!current.id.isEmpty() && newState == State::Recording) {
+        current.status = u"recording"_s;
+        if (oldState == State::Paused)
+            writer->event(current.id, u"resume"_s, {});
+        writer->update(current);
+    }
+    selectionChanged();
+}
+
+void Window::recordingBegan(const QDateTime& startedUtc) {
+    current.started = startedUtc;
+    current.status = u"recording"_s;
+    writer->update(current);
+    refreshLibrary();
+}
+
+void Window::recordingProgress(qint64 durationMs) {
+    recordingPanel->setElapsed(durationMs);
+    current.durationMs = durationMs;
+    current.ended = QDateTime::currentDateTimeUtc();
+    writer->update(current);
+}
+
+void Window::sourceChanged(const QString& description, const QJsonObject& sourceDetails) {
+    if (sourceDetails.contains("microphone"_L1))
+        recordingPanel->setMicrophoneCaption(description);
+    else
+        recordingPanel->setSystemCaption(description);
+    if (!current.id.isEmpty())
+        writer->event(current.id, u"source"_s, sourceDetails);
+}
+
+void Window::recordingFinished(const QString& path, qint64 durationMs, const QString& error) {
+    current.path = path;
+    current.durationMs = durationMs;
+    current.ended = QDateTime::currentDateTimeUtc();
+    current.status = error.isEmpty() ? u"ready"_s : u"failed"_s;
+    if (!error.isEmpty()) {
+        current.details.insert(u"error"_s, error);
+        writer->event(current.id, u"error"_s, {{u"message"_s, error}});
+    }
+    writer->update(std::exchange(current, {}));
+    writer->flush();
+    recordingPanel->setElapsed(durationMs);
+    recordingPanel->setLevels(0, 0);
+    refreshLibrary();
+    if (!error.isEmpty())
+        showError(error);
+    if (closePending)
+        close();
+}
+
+} // namespace qn
