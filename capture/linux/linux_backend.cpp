@@ -1,1 +1,118 @@
 #include "capture/capture_backend.h"
+
+#include "capture/linux/pulse_catalog.h"
+#include "capture/linux/pulse_connection.h"
+#include "capture/linux/record_stream.h"
+
+#include <QCoreApplication>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace qn {
+
+namespace {
+
+// Waits on the server; the recorder's thread must not stand still for 4 s altogether.
+constexpr auto kCatalogPatience = 1000ms;
+constexpr auto kStartPatience = 1500ms;
+constexpr auto kNoPatience = 50ms; // with a server that has just failed to answer
+
+QString ownProcessId() {
+    return QString::number(QCoreApplication::applicationPid());
+}
+
+class LinuxBackend final : public CaptureBackend {
+public:
+    LinuxBackend()
+        : connection([this] { fail(u"Звуковой сервер отключился — ожидаем подключения"_s); }) {}
+    ~LinuxBackend() override { LinuxBackend::stop(); }
+
+    Catalog catalog() const override;
+    bool start(const Selection& selection, const QString& sourceId, QString& error) override;
+    void stop() override;
+
+private:
+    QString open(const Selection& selection, const QString& sourceId);
+    QString openDevice(const QString& name, PulseConnection::Clock::time_point deadline);
+    void fail(const QString& message);
+    PulseConnection::Clock::time_point deadlineAfter(std::chrono::milliseconds patience) const;
+
+    mutable PulseConnection connection;
+    // Under the connection's lock.
+    std::unique_ptr<RecordStream> device;
+    bool isCapturing = false; // from a successful start to stop or failure
+};
+
+PulseConnection::Clock::time_point
+LinuxBackend::deadlineAfter(std::chrono::milliseconds patience) const {
+    return PulseConnection::Clock::now() + (connection.unresponsive() ? kNoPatience : patience);
+}
+
+Catalog LinuxBackend::catalog() const {
+    const PulseConnection::Lock lock(connection);
+    connection.refresh(deadlineAfter(kCatalogPatience));
+    return catalogOf(connection.snapshot(), ownProcessId());
+}
+
+bool LinuxBackend::start(const Selection& selection, const QString& sourceId, QString& error) {
+    stop();
+    const PulseConnection::Lock lock(connection);
+    error = open(selection, sourceId);
+    isCapturing = error.isEmpty();
+    if (!isCapturing)
+        device.reset();
+    return isCapturing;
+}
+
+// Returns a message when it fails.
+QString LinuxBackend::open(const Selection& selection, const QString& sourceId) {
+    const auto deadline = deadlineAfter(kStartPatience);
+    if (!connection.refresh(deadline)) {
+        return connection.unresponsive() ? u"Звуковой сервер не отвечает — повторяем попытку"_s
+                                         : u"Звуковой сервер недоступен — ожидаем подключения"_s;
+    }
+    if (selection.kind == SourceKind::Application)
+        return u"Ожидаем аудиопоток выбранного приложения"_s;
+    return openDevice(sourceId, deadline);
+}
+
+QString LinuxBackend::openDevice(const QString& name, PulseConnection::Clock::time_point deadline) {
+    const SinkFacts* sink = findSink(connection.snapshot(), name);
+    if (!sink)
+        return u"Устройство вывода недоступно — ожидаем подключения"_s;
+    const auto changed = [this] {
+        connection.wake();
+        if (device && device->isBroken())
+            fail(u"Устройство вывода отключилось — ожидаем подключения"_s);
+    };
+    device = std::make_unique<RecordStream>(
+        connection.ready(), RecordTarget{*sink, PA_INVALID_INDEX, {}},
+        RecordStream::Callbacks{[this](const AudioBlock& captured) { Q_EMIT block(captured); },
+                                changed});
+    const auto settled = [this] { return device->isRunning() || device->isBroken(); };
+    if (connection.waitFor(settled, deadline) && device->isRunning())
+        return {};
+    return u"Не удалось подключиться к устройству вывода — повторяем попытку"_s;
+}
+
+void LinuxBackend::stop() {
+    const PulseConnection::Lock lock(connection);
+    device.reset();
+    isCapturing = false;
+}
+
+void LinuxBackend::fail(const QString& message) {
+    if (std::exchange(isCapturing, false))
+        Q_EMIT failed(message);
+}
+
+} // namespace
+
+std::unique_ptr<CaptureBackend> makeCaptureBackend() {
+    return std::make_unique<LinuxBackend>();
+}
+
+} // namespace qn

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "capture/linux/smoothed_clock.h"
+#include "core/audio_block.h"
+
+#include <functional>
+
+namespace qn {
+
+// Cuts the packets of one stream, of whatever size, into blocks of about 20 ms with smoothed
+// timestamps. One thread only.
+class BlockBuilder {
+public:
+    using Sink = std::function<void(const AudioBlock&)>;
+
+    // `emptyBlock` has what all of the stream's blocks share.
+    BlockBuilder(AudioBlock emptyBlock, Sink receiver);
+
+    // Frames per block: 1024 at 48 kHz, which is also the usual graph cycle of PipeWire.
+    static qint64 framesPerBlock(qint32 sampleRate) { return qint64(sampleRate) * 1024 / 48000; }
+
+    // One packet of interleaved samples, or silence where `samples` is null.
+    void add(const float* samples, qint64 frames, qint64 arrivalNs);
+
+    // Hands out what is held back, when no packet will follow.
+    void flush();
+
+private:
+    void emitBlocks(qint64 smallestFrames);
+
+    AudioBlock format;
+    Sink sink;
+    SmoothedClock clock;
+    QList<float> pending;    // interleaved
+    qint64 pendingFrame = 0; // number of the first pending frame in `clock`
+};
+
+} // namespace qn

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <pulse/channelmap.h>
+
+namespace qn {
+
+// The channels to ask the server for, so that frames come in the order of the WAVE speaker mask.
+struct ChannelOrder {
+    pa_channel_map map{};
+    quint64 mask =
+        0; // one bit per channel, ascending; 0 when a position has no bit or occurs twice
+};
+
+// The same positions in ascending mask order; a map without a mask stays as it is.
+ChannelOrder waveOrder(const pa_channel_map& map);
+
+} // namespace qn

@@ -1,0 +1,105 @@
+#include "capture/linux/pulse_connection.h"
+
+#include "capture/linux/pulse_timer.h"
+
+#include <optional>
+#include <utility>
+
+namespace qn {
+
+PulseConnection::Lock::Lock(const PulseConnection& connection) : loop(connection.loop.get()) {
+    pa_threaded_mainloop_lock(loop);
+}
+
+PulseConnection::Lock::~Lock() {
+    pa_threaded_mainloop_unlock(loop);
+}
+
+PulseConnection::PulseConnection(std::function<void()> whenLost)
+    : lost(std::move(whenLost)), loop(pa_threaded_mainloop_new()) {
+    pa_threaded_mainloop_set_name(loop.get(), "quorlin-pulse");
+    pa_threaded_mainloop_start(loop.get());
+}
+
+PulseConnection::~PulseConnection() {
+    {
+        const Lock lock(*this);
+        query.reset();
+        context.reset();
+    }
+    pa_threaded_mainloop_stop(loop.get());
+}
+
+pa_context* PulseConnection::ready() const {
+    return context && pa_context_get_state(context.get()) == PA_CONTEXT_READY ? context.get()
+                                                                              : nullptr;
+}
+
+bool PulseConnection::refresh(Clock::time_point deadline) {
+    const bool succeeded = connect(deadline) && answered(deadline);
+    isUnresponsive = !succeeded && isGood();
+    return succeeded;
+}
+
+bool PulseConnection::isGood() const {
+    return context && PA_CONTEXT_IS_GOOD(pa_context_get_state(context.get()));
+}
+
+bool PulseConnection::connect(Clock::time_point deadline) {
+    if (!isGood())
+        open();
+    return waitFor([this] { return ready() || !isGood(); }, deadline) && ready();
+}
+
+void PulseConnection::open() {
+    const PulseHandle<pa_proplist> properties(pa_proplist_new());
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Quorlin");
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "quorlin");
+    context.reset(pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop.get()), nullptr,
+                                               properties.get()));
+    const auto changed = [](pa_context*, void* self) {
+        static_cast<PulseConnection*>(self)->contextChanged();
+    };
+    pa_context_set_state_callback(context.get(), changed, this);
+    pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+}
+
+void PulseConnection::contextChanged() {
+    if (ready())
+        stood = true;
+    if (!isGood()) {
+        query.reset();
+        known = {};
+        if (std::exchange(stood, false))
+            lost();
+    }
+    wake();
+}
+
+bool PulseConnection::answered(Clock::time_point deadline) {
+    const auto idle = [this] { return !query; };
+    if (!waitFor(idle, deadline) || !ready()) // an earlier query may still wait for its answer
+        return false;
+    isFresh = false;
+    query = std::make_unique<ServerQuery>(context.get(), [this](auto answer) {
+        isFresh = answer.has_value();
+        if (isFresh)
+            known = std::move(*answer);
+        query.reset();
+        wake();
+    });
+    return waitFor(idle, deadline) && isFresh;
+}
+
+bool PulseConnection::waitFor(const std::function<bool()>& condition, Clock::time_point deadline) {
+    PulseTimer alarm(pa_threaded_mainloop_get_api(loop.get()), context.get(), [this] { wake(); });
+    alarm.start(std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()));
+    while (!condition()) {
+        if (Clock::now() >= deadline)
+            return false;
+        pa_threaded_mainloop_wait(loop.get());
+    }
+    return true;
+}
+
+} // namespace qn

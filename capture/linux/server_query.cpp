@@ -1,0 +1,59 @@
+#include "capture/linux/server_query.h"
+
+#include <utility>
+
+namespace qn {
+
+ServerQuery::ServerQuery(pa_context* context, Done whenDone) : done(std::move(whenDone)) {
+    operations[0].reset(pa_context_get_server_info(context, takeServer, this));
+    operations[1].reset(pa_context_get_sink_info_list(context, takeSink, this));
+    operations[2].reset(pa_context_get_client_info_list(context, takeClient, this));
+    operations[3].reset(pa_context_get_sink_input_info_list(context, takeInput, this));
+}
+
+template <typename Info, typename Add>
+void ServerQuery::take(void* query, const Info* info, int end, Add add) {
+    auto& self = *static_cast<ServerQuery*>(query);
+    if (end == 0)
+        add(self.snapshot, *info);
+    else
+        self.answered(end > 0);
+}
+
+void ServerQuery::takeServer(pa_context*, const pa_server_info* info, void* query) {
+    auto& self = *static_cast<ServerQuery*>(query);
+    if (info)
+        self.snapshot.defaultSink = QString::fromUtf8(info->default_sink_name);
+    self.answered(info != nullptr);
+}
+
+void ServerQuery::takeSink(pa_context*, const pa_sink_info* info, int end, void* query) {
+    take(query, info, end, [](ServerSnapshot& snapshot, const pa_sink_info& sink) {
+        snapshot.sinks.append(
+            {sink.index, QString::fromUtf8(sink.name), QString::fromUtf8(sink.description),
+             QByteArray(sink.monitor_source_name), sink.sample_spec, sink.channel_map});
+    });
+}
+
+void ServerQuery::takeClient(pa_context*, const pa_client_info* info, int end, void* query) {
+    take(query, info, end, [](ServerSnapshot& snapshot, const pa_client_info& client) {
+        snapshot.clients.insert(client.index, programFacts(client.proplist));
+    });
+}
+
+void ServerQuery::takeInput(pa_context*, const pa_sink_input_info* info, int end, void* query) {
+    take(query, info, end, [](ServerSnapshot& snapshot, const pa_sink_input_info& input) {
+        snapshot.inputs.append(
+            {input.index, input.sink, input.client, programFacts(input.proplist)});
+    });
+}
+
+void ServerQuery::answered(bool complete) {
+    isComplete = isComplete && complete;
+    if (--awaited > 0)
+        return;
+    const Done finished = std::move(done);
+    finished(isComplete ? std::optional(std::move(snapshot)) : std::nullopt);
+}
+
+} // namespace qn

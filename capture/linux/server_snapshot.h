@@ -1,0 +1,54 @@
+#pragma once
+
+#include "capture/catalog.h"
+
+#include <pulse/channelmap.h>
+#include <pulse/proplist.h>
+#include <pulse/sample.h>
+
+#include <QHash>
+#include <QList>
+
+namespace qn {
+
+// What clients and streams announce about their program; any of it may be missing or untrue.
+struct ProgramFacts {
+    QString portalId; // of a sandboxed program
+    QString binary;
+    QString applicationId;
+    QString name;
+    QString processId;
+};
+
+ProgramFacts programFacts(const pa_proplist* properties);
+
+struct SinkFacts {
+    quint32 index = 0; // changes whenever the device comes back
+    QString name;      // stable
+    QString description;
+    QByteArray monitor; // name of the source that repeats what the sink plays
+    pa_sample_spec spec{};
+    pa_channel_map map{};
+};
+
+// A stream that some program plays.
+struct InputFacts {
+    quint32 index = 0;
+    quint32 sink = 0;   // PA_INVALID_INDEX while it moves
+    quint32 client = 0; // PA_INVALID_INDEX for the server's own
+    ProgramFacts program;
+};
+
+// The server's lists at one moment, in its order.
+struct ServerSnapshot {
+    QString defaultSink;
+    QList<SinkFacts> sinks;
+    QHash<quint32, ProgramFacts> clients;
+    QList<InputFacts> inputs;
+};
+
+// Null when there is no such sink.
+const SinkFacts* findSink(const ServerSnapshot& snapshot, const QString& name);
+const SinkFacts* findSink(const ServerSnapshot& snapshot, quint32 index);
+
+} // namespace qn

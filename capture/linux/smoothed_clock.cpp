@@ -1,0 +1,56 @@
+#include "capture/linux/smoothed_clock.h"
+
+#include <algorithm>
+
+namespace qn {
+
+namespace {
+
+constexpr qint64 kMillisecond = 1'000'000;
+
+// Long enough to see past a late first packet, short against the recorder's delay of 250 ms.
+constexpr qint64 kSettlingNs = 100 * kMillisecond;
+
+// A packet later than this would miss the recording anyway.
+constexpr qint64 kLostNs = 250 * kMillisecond;
+
+// How often the origin follows a device that is slower than the steady clock.
+constexpr qint64 kPeriodNs = 1000 * kMillisecond;
+
+} // namespace
+
+bool SmoothedClock::packet(qint64 frames, qint64 arrivalNs) {
+    const qint64 earliestNs = arrivalNs - durationOf(received + frames);
+    if (isSettled && earliestNs - originNs > kLostNs)
+        return false;
+    if (received == 0)
+        periodStartNs = arrivalNs;
+    received += frames;
+    if (isSettled)
+        follow(earliestNs - originNs, arrivalNs);
+    originNs = std::min(originNs, earliestNs);
+    if (!isSettled && arrivalNs - periodStartNs >= kSettlingNs)
+        settle(arrivalNs);
+    return true;
+}
+
+qint64 SmoothedClock::durationOf(qint64 frames) const {
+    constexpr qint64 kSecond = 1000 * kMillisecond;
+    return frames / sampleRate * kSecond + frames % sampleRate * kSecond / sampleRate;
+}
+
+void SmoothedClock::settle(qint64 arrivalNs) {
+    isSettled = true;
+    periodStartNs = arrivalNs;
+}
+
+void SmoothedClock::follow(qint64 slackNs, qint64 arrivalNs) {
+    smallestSlackNs = std::min(smallestSlackNs, slackNs);
+    if (arrivalNs - periodStartNs < kPeriodNs)
+        return;
+    originNs += std::max<qint64>(smallestSlackNs, 0);
+    smallestSlackNs = std::numeric_limits<qint64>::max();
+    periodStartNs = arrivalNs;
+}
+
+} // namespace qn
