@@ -87,15 +87,20 @@ def main():
         ("recording", lambda: whole_program.recording(build, seconds)),
     ]
     print(Row.heading(), flush=True)
-    missed = 0
+    missed, failed = 0, []
     for name, rows in groups:
         if words and not any(word in name for word in words):
             continue
-        for row in rows():
-            print(row, flush=True)
-            missed += row.missed()
+        try:
+            for row in rows():
+                print(row, flush=True)
+                missed += row.missed()
+        except (OSError, RuntimeError, subprocess.SubprocessError) as error:
+            failed.append(f"{name} could not be measured: {error}")
     print(f"{missed} figures miss what they must reach" if missed
-          else "every figure reaches what it must")
+          else "every measured figure reaches what it must")
+    if failed:
+        sys.exit("\n".join(failed))
 
 
 if __name__ == "__main__":

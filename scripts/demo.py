@@ -97,4 +97,9 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        sys.exit(main())
+    except KeyboardInterrupt:
+        sys.exit("interrupted; everything that was started has ended")
+    except (OSError, RuntimeError, subprocess.SubprocessError) as failure:
+        sys.exit(f"the demo failed: {failure}")

@@ -54,6 +54,8 @@ class Headless:
         return self
 
     def __exit__(self, *_):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            signal.signal(number, signal.SIG_IGN)  # a second Ctrl-C must not leave anything behind
         for process in reversed(self.processes):
             process.terminate()
             try:
@@ -62,6 +64,8 @@ class Headless:
                 process.kill()
                 process.wait()
         shutil.rmtree(self.folder, ignore_errors=True)
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            signal.signal(number, signal.SIG_DFL)
 
     def spawn(self, *command, **options):
         """Starts a process that gets no Ctrl-C of the terminal and ends with this object."""

@@ -11,7 +11,7 @@ package_list() {
     Linux-pipewire) echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils ;;
     Linux-test) echo gobjc++ libgnustep-base-dev clang-format-14 shellcheck librsvg2-bin icnsutils ;;
     Linux-clang) echo clang libclang-rt-dev ;;
-    Linux-bench) echo libbenchmark-dev ;;
+    Linux-bench) echo libbenchmark-dev libsqlite3-dev ;;
     Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg ;;
     Darwin-test) echo shellcheck librsvg ;;
     esac
