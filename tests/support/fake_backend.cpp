@@ -1,0 +1,80 @@
+#include "tests/support/fake_backend.h"
+
+#include <chrono>
+#include <cmath>
+
+namespace qn::testing {
+
+namespace {
+
+class FakeBackend : public CaptureBackend {
+public:
+    FakeBackend() {
+        ++FakePlatform::instance().alive;
+        backends().append(this);
+    }
+    ~FakeBackend() override {
+        FakeBackend::stop();
+        --FakePlatform::instance().alive;
+        backends().removeOne(this);
+    }
+
+    static QList<FakeBackend*>& backends() {
+        static QList<FakeBackend*> list;
+        return list;
+    }
+
+    Catalog catalog() const override { return FakePlatform::instance().catalog; }
+
+    bool start(const Selection&, const QString& sourceId, QString& error) override {
+        stop();
+        error = FakePlatform::instance().startError;
+        if (!error.isEmpty())
+            return false;
+        FakePlatform::instance().started.append(sourceId);
+        ++FakePlatform::instance().capturing;
+        capturing = true;
+        return true;
+    }
+
+    void stop() override {
+        FakePlatform::instance().capturing -= capturing ? 1 : 0;
+        capturing = false;
+    }
+
+    bool capturing = false;
+};
+
+} // namespace
+
+FakePlatform& FakePlatform::instance() {
+    static FakePlatform platform;
+    return platform;
+}
+
+void playTone(qint64 ms) {
+    AudioBlock block;
+    const std::chrono::nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();
+    block.timestampNs = now.count() - ms * 1'000'000;
+    for (qint64 i = 0; i < ms * 48; ++i)
+        block.samples.append(0.5F * std::sin(0.06F * static_cast<float>(i)));
+    for (FakeBackend* backend : FakeBackend::backends()) {
+        if (backend->capturing)
+            Q_EMIT backend->block(block);
+    }
+}
+
+void breakDown(const QString& message) {
+    for (FakeBackend* backend : FakeBackend::backends()) {
+        backend->stop();
+        Q_EMIT backend->failed(message);
+    }
+}
+
+} // namespace qn::testing
+
+namespace qn {
+std::unique_ptr<CaptureBackend> makeCaptureBackend() {
+    return std::make_unique<testing::FakeBackend>();
+}
+} // namespace qn

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "capture/capture_backend.h"
+
+#include <QStringList>
+
+namespace qn::testing {
+
+using namespace Qt::StringLiterals;
+
+// Knobs and observations of the backends that makeCaptureBackend hands out in a test program.
+// The test sets the knobs while no session runs.
+struct FakePlatform {
+    Catalog catalog{{{u"card"_s, u"Карта"_s}, {u"speakers"_s, u"Колонки"_s}},
+                    {{u"app"_s, u"Звонилка"_s}},
+                    u"speakers"_s};
+    QString startError; // non-empty: every start fails with it
+
+    QStringList started; // ids, in order
+    int alive = 0;       // backends that exist
+    int capturing = 0;
+
+    static FakePlatform& instance();
+};
+
+// Emits a block of a steady tone that ends now, on every capturing backend.
+void playTone(qint64 ms);
+void breakDown(const QString& message);
+
+} // namespace qn::testing
