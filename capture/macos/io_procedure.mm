@@ -1,0 +1,86 @@
+#include "capture/macos/io_procedure.h"
+
+#include "capture/macos/capture_time.h"
+#include "capture/macos/sample_conversion.h"
+
+#include <array>
+#include <chrono>
+
+namespace qn {
+
+namespace {
+
+using BufferArray = std::array<PcmBuffer, kMaxChannels>;
+
+// The buffers that have channels. The array holds enough of them: each fills at least one of the
+// stream's channels.
+std::span<const PcmBuffer> filledBuffers(const AudioBufferList& list, BufferArray& storage) {
+    size_t count = 0;
+    for (const AudioBuffer& buffer : std::span(list.mBuffers, list.mNumberBuffers)) {
+        if (count == storage.size())
+            break;
+        if (buffer.mNumberChannels != 0)
+            storage[count++] = {buffer.mNumberChannels, buffer.mDataByteSize, buffer.mData};
+    }
+    return std::span(storage).first(count);
+}
+
+// None when the device gives no time and the rate can't tell how long the block is.
+std::optional<qint64> firstFrameTime(const AudioTimeStamp* inputTime, qint64 frames, qint32 rate) {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    const qint64 nowNs = std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+    if (inputTime != nullptr && (inputTime->mFlags & kAudioTimeStampHostTimeValid) != 0)
+        return hostToSteady(AudioConvertHostTimeToNanos(inputTime->mHostTime),
+                            AudioConvertHostTimeToNanos(AudioGetCurrentHostTime()), nowNs);
+    if (rate == 0)
+        return std::nullopt;
+    return startOfEndedBlock(nowNs, frames, rate);
+}
+
+} // namespace
+
+OSStatus OwnedIoProcedure::create(AudioObjectID onDevice, AudioDeviceIOProc procedure,
+                                  void* clientData) {
+    destroy();
+    device = onDevice;
+    return AudioDeviceCreateIOProcID(device, procedure, clientData, &id);
+}
+
+OSStatus OwnedIoProcedure::start() {
+    return AudioDeviceStart(device, id);
+}
+
+void OwnedIoProcedure::destroy() {
+    if (id == nullptr)
+        return;
+    AudioDeviceStop(device, id);
+    AudioDeviceDestroyIOProcID(device, id);
+    id = nullptr;
+}
+
+std::optional<AudioBlock> captureBlock(const AudioStreamBasicDescription& format,
+                                       const AudioBufferList* input,
+                                       const AudioTimeStamp* inputTime) {
+    if (input == nullptr)
+        return std::nullopt;
+    const PcmFormat pcm = {format.mBitsPerChannel,
+                           (format.mFormatFlags & kAudioFormatFlagIsFloat) != 0,
+                           static_cast<qint32>(format.mChannelsPerFrame)};
+    BufferArray storage;
+    const std::span<const PcmBuffer> buffers = filledBuffers(*input, storage);
+    const qint64 frames = frameCount(buffers, pcm);
+    if (frames == 0)
+        return std::nullopt;
+    const qint32 rate = wholeRate(format.mSampleRate);
+    const std::optional<qint64> timestampNs = firstFrameTime(inputTime, frames, rate);
+    if (!timestampNs)
+        return std::nullopt;
+    AudioBlock block;
+    block.samples = interleave(buffers, pcm, frames);
+    block.sampleRate = rate;
+    block.channels = pcm.channels;
+    block.timestampNs = *timestampNs;
+    return block;
+}
+
+} // namespace qn

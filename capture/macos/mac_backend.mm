@@ -1,0 +1,198 @@
+#include "capture/capture_backend.h"
+#include "capture/macos/aggregate_device.h"
+#include "capture/macos/helper_process.h"
+#include "capture/macos/io_procedure.h"
+#include "capture/macos/output_devices.h"
+#include "capture/macos/process_tap.h"
+#include "capture/macos/running_applications.h"
+#include "capture/macos/sample_conversion.h"
+
+#include <QSet>
+#include <QTimer>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString coreAudioError(OSStatus status) {
+    return u"Ошибка Core Audio (%1). Проверьте разрешение на запись системного звука в настройках macOS."_s
+        .arg(status);
+}
+
+// Captures by a process tap, wrapped in a private aggregate device on which an IO procedure runs.
+// The three live from start to stop; the permission to record system audio is asked for by the
+// platform when the tap is created.
+class MacBackend : public CaptureBackend {
+public:
+    MacBackend();
+    ~MacBackend() override { MacBackend::stop(); }
+    Q_DISABLE_COPY_MOVE(MacBackend)
+
+    Catalog catalog() const override;
+    bool start(const Selection& selection, const QString& source, QString& error) override;
+    void stop() override;
+
+private:
+    // The steps of start. On false `error` is set and stop has to clear up.
+    bool open(QString& error);
+    bool openTap(QString& error);
+    bool openAggregateDevice(QString& error);
+    bool runIoProcedure(QString& error);
+
+    QSet<AudioObjectID> processObjects() const;
+    void followProcesses();
+
+    static OSStatus ioProc(AudioObjectID device, const AudioTimeStamp* now,
+                           const AudioBufferList* input, const AudioTimeStamp* inputTime,
+                           AudioBufferList* output, const AudioTimeStamp* outputTime,
+                           void* clientData);
+
+    SourceKind kind = SourceKind::System; // of the last start, like selectionId
+    QString selectionId;
+    QString sourceId;              // captured now: device UID or bundle identifier
+    QSet<AudioObjectID> processes; // application only: those in the tap
+    QTimer watchTimer{this};       // application only
+    OwnedTap tapId;
+    OwnedAggregate aggregateId;
+    OwnedIoProcedure ioProcId;
+    AudioStreamBasicDescription tapFormat = {}; // written only while no IO procedure runs
+};
+
+MacBackend::MacBackend() {
+    watchTimer.setInterval(1000);
+    connect(&watchTimer, &QTimer::timeout, this, [this] { followProcesses(); });
+}
+
+Catalog MacBackend::catalog() const {
+    @autoreleasepool {
+        Catalog catalog;
+        listOutputDevices(catalog);
+        catalog.applications = listRunningApplications();
+        return catalog;
+    }
+}
+
+bool MacBackend::start(const Selection& selection, const QString& source, QString& error) {
+    @autoreleasepool {
+        stop();
+        kind = selection.kind;
+        selectionId = selection.id;
+        sourceId = source;
+        if (!open(error)) {
+            stop();
+            return false;
+        }
+        if (kind == SourceKind::Application)
+            watchTimer.start();
+        return true;
+    }
+}
+
+void MacBackend::stop() {
+    watchTimer.stop();
+    ioProcId.destroy();
+    aggregateId.destroy();
+    tapId.destroy();
+    sourceId.clear();
+    processes.clear();
+}
+
+bool MacBackend::open(QString& error) {
+    return openTap(error) && openAggregateDevice(error) && runIoProcedure(error);
+}
+
+bool MacBackend::openTap(QString& error) {
+    CATapDescription* description = nil;
+    if (kind == SourceKind::Application) {
+        processes = processObjects();
+        description = describeProcessTap(processes);
+    } else {
+        description = describeDeviceTap(sourceId);
+    }
+    const OSStatus status = AudioHardwareCreateProcessTap(description, tapId.receive());
+    if (status != noErr) {
+        error = coreAudioError(status);
+        return false;
+    }
+    tapFormat = {};
+    if (!readProperty(tapId.get(), kAudioTapPropertyFormat, &tapFormat, sizeof tapFormat)) {
+        error = u"Не удалось получить формат Core Audio tap"_s;
+        return false;
+    }
+    if (tapFormat.mFormatID != kAudioFormatLinearPCM || tapFormat.mChannelsPerFrame < 1 ||
+        tapFormat.mChannelsPerFrame > kMaxChannels) {
+        error = u"Неизвестный формат системного звука"_s;
+        return false;
+    }
+    return true;
+}
+
+bool MacBackend::openAggregateDevice(QString& error) {
+    const OwnedString tapUid = readString(tapId.get(), kAudioTapPropertyUID);
+    if (!tapUid) {
+        error = u"Не удалось получить Core Audio tap UID"_s;
+        return false;
+    }
+    NSDictionary* description = describeAggregateDevice(tapUid.get());
+    const OSStatus status = AudioHardwareCreateAggregateDevice(
+        reinterpret_cast<CFDictionaryRef>(description), aggregateId.receive());
+    if (status != noErr)
+        error = coreAudioError(status);
+    return status == noErr;
+}
+
+bool MacBackend::runIoProcedure(QString& error) {
+    OSStatus status = ioProcId.create(aggregateId.get(), ioProc, this);
+    if (status == noErr)
+        status = ioProcId.start();
+    if (status != noErr)
+        error = coreAudioError(status);
+    return status == noErr;
+}
+
+QSet<AudioObjectID> MacBackend::processObjects() const {
+    QSet<AudioObjectID> objects;
+    const QList<AudioObjectID> all =
+        objectList(kAudioObjectSystemObject, kAudioHardwarePropertyProcessObjectList,
+                   kAudioObjectPropertyScopeGlobal);
+    for (const AudioObjectID process : all)
+        if (belongsToApplication(readString(process, kAudioProcessPropertyBundleID).text(),
+                                 sourceId))
+            objects.insert(process);
+    return objects;
+}
+
+// Helper processes come and go (a browser's tabs, a call's audio process): the tap is built anew
+// around the present ones.
+void MacBackend::followProcesses() {
+    if (processObjects() == processes)
+        return;
+    const Selection selection = {kind, selectionId};
+    const QString source = sourceId; // stop clears the member
+    QString error;
+    if (!start(selection, source, error))
+        Q_EMIT failed(error);
+}
+
+// Runs on the platform's real-time thread. It may not wait, lock, touch a file, call Objective-C or
+// use any member but tapFormat, which does not change while it runs; an exception may not leave it.
+// Receivers of `block` are queued on other threads.
+OSStatus MacBackend::ioProc(AudioObjectID, const AudioTimeStamp*, const AudioBufferList* input,
+                            const AudioTimeStamp* inputTime, AudioBufferList*,
+                            const AudioTimeStamp*, void* clientData) {
+    auto* backend = static_cast<MacBackend*>(clientData);
+    if (const std::optional<AudioBlock> captured =
+            captureBlock(backend->tapFormat, input, inputTime))
+        Q_EMIT backend->block(*captured);
+    return noErr;
+}
+
+} // namespace
+
+std::unique_ptr<CaptureBackend> makeCaptureBackend() {
+    return std::make_unique<MacBackend>();
+}
+
+} // namespace qn

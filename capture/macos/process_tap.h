@@ -1,0 +1,22 @@
+#pragma once
+
+#include "capture/macos/audio_object.h"
+
+#import <CoreAudio/AudioHardwareTapping.h>
+#import <CoreAudio/CATapDescription.h>
+
+#include <QSet>
+
+namespace qn {
+
+using OwnedTap = OwnedObject<AudioHardwareDestroyProcessTap>;
+
+// Private taps named after the program that leave what they capture audible. Autoreleased.
+
+// Everything that every process plays on the device's first output stream.
+CATapDescription* describeDeviceTap(const QString& deviceUid);
+
+// A stereo mix of the processes; with none it captures nothing.
+CATapDescription* describeProcessTap(const QSet<AudioObjectID>& processes);
+
+} // namespace qn

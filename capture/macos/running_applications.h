@@ -1,0 +1,10 @@
+#pragma once
+
+#include "capture/catalog.h"
+
+namespace qn {
+
+// Every running application with a Dock icon but this one, in the platform's order.
+QList<SourceEntry> listRunningApplications();
+
+} // namespace qn

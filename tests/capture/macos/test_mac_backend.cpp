@@ -1,0 +1,267 @@
+#include "capture/capture_backend.h"
+#include "simulated_mac.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTest>
+#include <QTimer>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <thread>
+
+using namespace qn;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Buffers = QList<SimulatedMac::Buffer>;
+
+template <typename Value> QByteArray bytes(std::initializer_list<Value> values) {
+    return {reinterpret_cast<const char*>(values.begin()),
+            qsizetype(values.size() * sizeof(Value))};
+}
+
+QByteArray ids(std::initializer_list<AudioObjectID> list) {
+    return bytes(list);
+}
+
+void setTapFormat(double rate, UInt32 flags, UInt32 bits, UInt32 channels,
+                  UInt32 format = kAudioFormatLinearPCM) {
+    mac().properties[{0, u"tfmt"_s}] =
+        bytes<AudioStreamBasicDescription>({{rate, format, flags, 0, 1, 0, channels, bits, 0}});
+}
+
+QString json(const QJsonObject& object) {
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+qint64 steadyNowNs() {
+    return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+const Selection kSystem = {};
+const Selection kBrowser = {SourceKind::Application, u"org.browser"_s};
+
+} // namespace
+
+class TestMacBackend : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<CaptureBackend> backend;
+    QString error;
+    QStringList failures;
+    QList<AudioBlock> blocks;
+
+    bool start(const Selection& selection = kSystem) {
+        mac().calls.clear();
+        return backend->start(selection, selection.id.isEmpty() ? u"card"_s : selection.id, error);
+    }
+
+private Q_SLOTS:
+    void init() {
+        mac() = {};
+        mac().properties = {{{1, u"dOut"_s}, ids({12})}, {{0, u"tuid"_s}, u"the tap"_s}};
+        setTapFormat(48000, kAudioFormatFlagIsFloat, 32, 2);
+        backend = makeCaptureBackend();
+        const auto store = [this](const AudioBlock& block) { blocks.append(block); };
+        connect(backend.get(), &CaptureBackend::block, this, store, Qt::DirectConnection);
+        connect(backend.get(), &CaptureBackend::failed, this,
+                [this](const QString& message) { failures.append(message); });
+        blocks.clear();
+        failures.clear();
+    }
+
+    void cleanup() {
+        backend.reset();
+        QVERIFY2(mac().isClean(), qPrintable(mac().faults.join(u", ")));
+    }
+
+    void theCatalogueHoldsOutputDevicesAndRegularApplications() {
+        auto& properties = mac().properties;
+        properties[{1, u"dev#"_s}] = ids({7, 8, 9, 10, 11, 12, 13});
+        for (AudioObjectID id = 8; id <= 13; ++id) // device 7 has no output stream
+            properties[{id, u"stm#"_s}] = ids({id + 100, id + 200});
+        properties[{7, u"uid "_s}] = u"microphone"_s;
+        properties[{9, u"uid "_s}] = QString(); // device 8 tells none at all
+        properties[{10, u"uid "_s}] = u""_s;
+        properties[{11, u"uid "_s}] = properties[{13, u"uid "_s}] = u"nameless"_s;
+        properties[{12, u"uid "_s}] = u"built-in"_s;
+        properties[{12, u"lnam"_s}] = u"Динамики 🎧"_s;
+        mac().listsShrink = true; // device 13 goes while it is asked for
+        mac().applications = {{u"a.b"_s, u"Звонки"_s},
+                              {u"agent"_s, u"Agent"_s, 1},
+                              {{}, u"tool"_s},
+                              {u"self"_s, u"Self"_s, 0, 0},
+                              {u"c.d"_s, {}}};
+        const Catalog catalog = backend->catalog();
+        QStringList lines = {catalog.defaultOutput};
+        for (const auto& entry : catalog.outputs + catalog.applications)
+            lines.append(entry.id + u'|' + entry.name);
+        QCOMPARE(lines, QStringList({u"built-in"_s, u"nameless|"_s, u"built-in|Динамики 🎧"_s,
+                                     u"a.b|Звонки"_s, u"c.d|c.d"_s}));
+    }
+
+    void aRefusedStartSaysWhyAndLeavesNothing() {
+        const QString status = u"Ошибка Core Audio (-50). Проверьте разрешение на запись "_s +
+                               u"системного звука в настройках macOS."_s;
+        const QString format = u"Неизвестный формат системного звука"_s;
+        const struct {
+            QString refused, text;
+            UInt32 channels = 2, formatId = kAudioFormatLinearPCM;
+        } rows[] = {
+            {u"AudioHardwareCreateProcessTap"_s, status},
+            {u"tfmt"_s, u"Не удалось получить формат Core Audio tap"_s},
+            {u"tuid"_s, u"Не удалось получить Core Audio tap UID"_s},
+            {u"AudioHardwareCreateAggregateDevice"_s, status},
+            {u"AudioDeviceCreateIOProcID"_s, status},
+            {u"AudioDeviceStart"_s, status},
+            {{}, format, 0},
+            {{}, format, 33},
+            {{}, format, 2, kAudioFormatLinearPCM + 1},
+        };
+        for (const auto& row : rows) {
+            mac().refusals = {{row.refused, -50}};
+            setTapFormat(48000, 1, 32, row.channels, row.formatId);
+            QVERIFY(!start());
+            QCOMPARE(error, row.text);
+            QVERIFY2(mac().isClean(), qPrintable(row.refused));
+        }
+        mac().refusals.clear();
+        setTapFormat(48000, 1, 32, 32);
+        QVERIFY(start());
+    }
+
+    void aDeviceIsTappedThroughAPrivateAggregateDevice() {
+        const auto calls = [] { return mac().calls.join(u' ').remove(u"Audio"_s); };
+        QVERIFY(start());
+        QCOMPARE(calls(), u"HardwareCreateProcessTap tfmt tuid HardwareCreateAggregateDevice "
+                          "CFRelease DeviceCreateIOProcID DeviceStart"_s);
+        QCOMPARE(json(mac().tap), u"{\"device\":\"card\",\"excluded\":[],\"name\":\"Quorlin\","
+                                  "\"private\":true,\"stream\":0}"_s);
+        const QString uid = mac().aggregate.take(u"uid").toString();
+        QCOMPARE(json(mac().aggregate),
+                 u"{\"name\":\"Quorlin Capture\",\"private\":true,\"tapautostart\":true,"
+                 "\"taps\":[{\"drift\":true,\"uid\":\"the tap\"}]}"_s);
+        QVERIFY(start());
+        QVERIFY(uid.size() == 36 && uid != mac().aggregate[u"uid"].toString());
+        mac().calls.clear();
+        backend->stop();
+        backend->stop();
+        QCOMPARE(calls(), u"DeviceStop DeviceDestroyIOProcID HardwareDestroyAggregateDevice "
+                          "HardwareDestroyProcessTap"_s);
+        QVERIFY(!deliver({{2, bytes({0.5F, 0.5F})}}));
+    }
+
+    void anApplicationIsFollowedThroughItsProcesses() {
+        auto& properties = mac().properties;
+        properties[{21, u"pbid"_s}] = u"org.browser"_s;
+        properties[{22, u"pbid"_s}] = u"org.browser.helper"_s;
+        properties[{23, u"pbid"_s}] = u"org.browserish"_s; // another product; 24 tells nothing
+        properties[{1, u"prs#"_s}] = ids({23, 24});
+        const auto tapped = [] { return mac().tap[u"mixdown"].toArray().toVariantList().size(); };
+        QVERIFY(start(kBrowser));
+        QCOMPARE(tapped(), 0);
+        auto* timer = backend->findChild<QTimer*>();
+        QCOMPARE(timer->interval(), 1000);
+        timer->setInterval(20);
+        const auto firstTap = mac().live.firstKey();
+        QTest::qWait(100);
+        QCOMPARE(mac().live.firstKey(), firstTap); // nothing changed, nothing was rebuilt
+        properties[{1, u"prs#"_s}] = ids({21, 22, 23, 24});
+        QTRY_COMPARE(tapped(), 2);
+        QVERIFY(mac().running);
+        properties[{1, u"prs#"_s}] = ids({21, 23});
+        QTRY_COMPARE(json(mac().tap),
+                     u"{\"mixdown\":[21],\"name\":\"Quorlin\",\"private\":true}"_s);
+        mac().refusals[u"AudioDeviceStart"_s] = -50;
+        properties[{1, u"prs#"_s}] = ids({});
+        QTRY_COMPARE(failures.size(), 1);
+        QVERIFY(failures[0].contains(u"(-50)") && mac().isClean() && !timer->isActive());
+    }
+
+    void buffersBecomeInterleavedFloats() {
+        const UInt32 all = std::numeric_limits<UInt32>::max();
+        const QByteArray stereo = bytes({0.5F, -0.5F, 0.25F, -0.25F});
+        const struct {
+            UInt32 flags, bits, channels;
+            Buffers buffers;
+            QList<float> samples; // none: no block
+        } rows[] = {
+            {1, 32, 2, {{2, stereo}}, {0.5F, -0.5F, 0.25F, -0.25F}},
+            {1, 64, 1, {{1, bytes({0.5, 1e300})}}, {0.5F, INFINITY}},
+            {4, 16, 1, {{1, bytes<qint16>({-32768, 16384})}}, {-1.0F, 0.5F}},
+            {4, 32, 1, {{1, bytes<qint32>({-2147483647 - 1, 1 << 30})}}, {-1.0F, 0.5F}},
+            {4, 24, 1, {{1, "abcdef"_ba}}, {0, 0}},
+            {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {1, bytes({3.0F, 4.0F})}}, {1, 3, 2, 4}},
+            {1, 32, 1, {{0, "junk"_ba}, {1, bytes({1.0F})}}, {1}},
+            {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {1, bytes({3.0F})}}, {1, 3, 2, 0}},
+            {1, 32, 3, {{2, {}, 16}, {1, bytes({1.0F, 2.0F})}}, {0, 0, 1, 0, 0, 2}},
+            {1, 32, 3, {{2, stereo}}, {0.5F, -0.5F, 0, 0.25F, -0.25F, 0}},
+            {1, 32, 1, {{2, stereo}, {2, stereo}}, {0.5F, 0.25F}},
+            {1, 32, 2, {{2, stereo.left(15)}}, {0.5F, -0.5F}},
+            {1, 32, 2, {{1, stereo.left(4)}, {all, {}, all}}, {0.5F, 0}},
+            {1, 32, 2, {{0, stereo}, {0, stereo}}, {}},
+            {1, 7, 2, {{2, stereo}}, {}},
+            {1, 32, 2, {{2, stereo.left(7)}}, {}},
+            {1, 32, 32, {{1, {}, all}}, {}},
+            {1, all, 32, {{all, {}, all}}, {}},
+            {1, 32, 2, {}, {}},
+        };
+        for (const auto& row : rows) {
+            setTapFormat(48000, row.flags, row.bits, row.channels);
+            QVERIFY(start());
+            blocks.clear();
+            QVERIFY(deliver(row.buffers));
+            QCOMPARE(blocks.size(), row.samples.isEmpty() ? 0 : 1);
+            QCOMPARE(blocks.value(0).samples, row.samples);
+            QVERIFY(blocks.isEmpty() || blocks[0].channels == qint32(row.channels));
+        }
+    }
+
+    void aBlockBearsTheDevicesTimeOrHasJustEnded() {
+        AudioTimeStamp stamp = {};
+        stamp.mHostTime = AudioGetCurrentHostTime() - 12'000'000; // 500 ms ago
+        const Buffers second = {{1, QByteArray(192'000, '\0')}};
+        const struct {
+            double rate;
+            const AudioTimeStamp* stamp;
+            UInt32 flags;
+            qint32 sampleRate; // -1: no block
+            qint64 agoMs;
+        } rows[] = {
+            {48000, &stamp, 2 | 1, 48000, 500}, {48000, &stamp, 1, 48000, 1000},
+            {24000.9, nullptr, 0, 24000, 2000}, {0.5, nullptr, 0, -1, 0},
+            {NAN, nullptr, 0, -1, 0},           {1e300, nullptr, 0, -1, 0},
+            {-INFINITY, &stamp, 2, 0, 500},
+        };
+        for (const auto& row : rows) {
+            setTapFormat(row.rate, 1, 32, 1);
+            QVERIFY(start());
+            blocks.clear();
+            stamp.mFlags = row.flags;
+            deliver(second, row.stamp);
+            QCOMPARE(blocks.size(), row.sampleRate < 0 ? 0 : 1);
+            if (blocks.isEmpty())
+                continue;
+            QCOMPARE(blocks[0].sampleRate, row.sampleRate);
+            const qint64 offNs = steadyNowNs() - row.agoMs * 1'000'000 - blocks[0].timestampNs;
+            QVERIFY2(std::abs(offNs) < 300'000'000, qPrintable(QString::number(offNs)));
+        }
+    }
+
+    void aThousandStartsUnderFireLeaveNothing() {
+        std::jthread device([](const std::stop_token& stop) {
+            while (!stop.stop_requested())
+                deliver({{2, QByteArray(4096, '\0')}});
+        });
+        for (int i = 0; i < 1000; ++i) {
+            QVERIFY(start());
+            backend->stop();
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMacBackend)
+#include "test_mac_backend.moc"
