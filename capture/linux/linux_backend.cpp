@@ -1,5 +1,6 @@
 #include "capture/capture_backend.h"
 
+#include "capture/linux/application_capture.h"
 #include "capture/linux/pulse_catalog.h"
 #include "capture/linux/pulse_connection.h"
 #include "capture/linux/record_stream.h"
@@ -26,8 +27,7 @@ QString ownProcessId() {
 
 class LinuxBackend final : public CaptureBackend {
 public:
-    LinuxBackend()
-        : connection([this] { fail(u"Звуковой сервер отключился — ожидаем подключения"_s); }) {}
+    LinuxBackend() : connection([this] { connectionLost(); }) {}
     ~LinuxBackend() override { LinuxBackend::stop(); }
 
     Catalog catalog() const override;
@@ -36,13 +36,20 @@ public:
 
 private:
     QString open(const Selection& selection, const QString& sourceId);
+    QString openApplication(const QString& id);
     QString openDevice(const QString& name, PulseConnection::Clock::time_point deadline);
+    BlockBuilder::Sink emitBlock() {
+        return [this](const AudioBlock& captured) { Q_EMIT block(captured); };
+    }
+    void release();
+    void connectionLost();
     void fail(const QString& message);
     PulseConnection::Clock::time_point deadlineAfter(std::chrono::milliseconds patience) const;
 
     mutable PulseConnection connection;
-    // Under the connection's lock.
+    // Used under the connection's lock; gone with the connection.
     std::unique_ptr<RecordStream> device;
+    std::unique_ptr<ApplicationCapture> application;
     bool isCapturing = false; // from a successful start to stop or failure
 };
 
@@ -63,7 +70,7 @@ bool LinuxBackend::start(const Selection& selection, const QString& sourceId, QS
     error = open(selection, sourceId);
     isCapturing = error.isEmpty();
     if (!isCapturing)
-        device.reset();
+        release();
     return isCapturing;
 }
 
@@ -75,8 +82,15 @@ QString LinuxBackend::open(const Selection& selection, const QString& sourceId) 
                                          : u"Звуковой сервер недоступен — ожидаем подключения"_s;
     }
     if (selection.kind == SourceKind::Application)
-        return u"Ожидаем аудиопоток выбранного приложения"_s;
+        return openApplication(sourceId);
     return openDevice(sourceId, deadline);
+}
+
+QString LinuxBackend::openApplication(const QString& id) {
+    if (inputsOf(connection.snapshot(), id, ownProcessId()).isEmpty())
+        return u"Ожидаем аудиопоток выбранного приложения"_s;
+    application = std::make_unique<ApplicationCapture>(connection, id, ownProcessId(), emitBlock());
+    return {};
 }
 
 QString LinuxBackend::openDevice(const QString& name, PulseConnection::Clock::time_point deadline) {
@@ -88,20 +102,29 @@ QString LinuxBackend::openDevice(const QString& name, PulseConnection::Clock::ti
         if (device && device->isBroken())
             fail(u"Устройство вывода отключилось — ожидаем подключения"_s);
     };
-    device = std::make_unique<RecordStream>(
-        connection.ready(), RecordTarget{*sink, PA_INVALID_INDEX, {}},
-        RecordStream::Callbacks{[this](const AudioBlock& captured) { Q_EMIT block(captured); },
-                                changed});
-    const auto settled = [this] { return device->isRunning() || device->isBroken(); };
-    if (connection.waitFor(settled, deadline) && device->isRunning())
+    device = std::make_unique<RecordStream>(connection.ready(),
+                                            RecordTarget{*sink, PA_INVALID_INDEX, {}},
+                                            RecordStream::Callbacks{emitBlock(), changed});
+    const auto settled = [this] { return !device || device->isRunning() || device->isBroken(); };
+    if (connection.waitFor(settled, deadline) && device && device->isRunning())
         return {};
     return u"Не удалось подключиться к устройству вывода — повторяем попытку"_s;
 }
 
 void LinuxBackend::stop() {
     const PulseConnection::Lock lock(connection);
-    device.reset();
+    release();
     isCapturing = false;
+}
+
+void LinuxBackend::release() {
+    device.reset();
+    application.reset();
+}
+
+void LinuxBackend::connectionLost() {
+    release();
+    fail(u"Звуковой сервер отключился — ожидаем подключения"_s);
 }
 
 void LinuxBackend::fail(const QString& message) {

@@ -92,7 +92,7 @@ bool PulseConnection::answered(Clock::time_point deadline) {
 }
 
 bool PulseConnection::waitFor(const std::function<bool()>& condition, Clock::time_point deadline) {
-    PulseTimer alarm(pa_threaded_mainloop_get_api(loop.get()), context.get(), [this] { wake(); });
+    PulseTimer alarm(loopApi(), context.get(), [this] { wake(); });
     alarm.start(std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()));
     while (!condition()) {
         if (Clock::now() >= deadline)

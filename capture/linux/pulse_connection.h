@@ -46,6 +46,8 @@ public:
     // Null without a connection that stands.
     pa_context* ready() const;
 
+    pa_mainloop_api* loopApi() const { return pa_threaded_mainloop_get_api(loop.get()); }
+
     // Waits until `condition`, tested under the lock, holds after a wake(); false at the deadline.
     bool waitFor(const std::function<bool()>& condition, Clock::time_point deadline);
 

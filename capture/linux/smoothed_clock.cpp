@@ -8,8 +8,11 @@ namespace {
 
 constexpr qint64 kMillisecond = 1'000'000;
 
-// Long enough to see past a late first packet, short against the recorder's delay of 250 ms.
-constexpr qint64 kSettlingNs = 100 * kMillisecond;
+// Long enough to see past a late packet, short against the recorder's delay of 250 ms.
+constexpr qint64 kSettlingNs = 120 * kMillisecond;
+
+// Until then the server may still be linking the stream.
+constexpr qint64 kStartUpNs = 40 * kMillisecond;
 
 // A packet later than this would miss the recording anyway.
 constexpr qint64 kLostNs = 250 * kMillisecond;
@@ -24,13 +27,12 @@ bool SmoothedClock::packet(qint64 frames, qint64 arrivalNs) {
     if (isSettled && earliestNs - originNs > kLostNs)
         return false;
     if (received == 0)
-        periodStartNs = arrivalNs;
+        firstArrivalNs = arrivalNs;
     received += frames;
     if (isSettled)
-        follow(earliestNs - originNs, arrivalNs);
-    originNs = std::min(originNs, earliestNs);
-    if (!isSettled && arrivalNs - periodStartNs >= kSettlingNs)
-        settle(arrivalNs);
+        follow(earliestNs, arrivalNs);
+    else
+        settle(earliestNs, arrivalNs);
     return true;
 }
 
@@ -39,13 +41,17 @@ qint64 SmoothedClock::durationOf(qint64 frames) const {
     return frames / sampleRate * kSecond + frames % sampleRate * kSecond / sampleRate;
 }
 
-void SmoothedClock::settle(qint64 arrivalNs) {
-    isSettled = true;
-    periodStartNs = arrivalNs;
+void SmoothedClock::settle(qint64 earliestNs, qint64 arrivalNs) {
+    const bool startsCounting = periodStartNs == 0 && arrivalNs - firstArrivalNs >= kStartUpNs;
+    if (startsCounting)
+        periodStartNs = arrivalNs;
+    originNs = startsCounting ? earliestNs : std::min(originNs, earliestNs);
+    isSettled = arrivalNs - firstArrivalNs >= kSettlingNs;
 }
 
-void SmoothedClock::follow(qint64 slackNs, qint64 arrivalNs) {
-    smallestSlackNs = std::min(smallestSlackNs, slackNs);
+void SmoothedClock::follow(qint64 earliestNs, qint64 arrivalNs) {
+    smallestSlackNs = std::min(smallestSlackNs, earliestNs - originNs);
+    originNs = std::min(originNs, earliestNs);
     if (arrivalNs - periodStartNs < kPeriodNs)
         return;
     originNs += std::max<qint64>(smallestSlackNs, 0);

@@ -8,7 +8,8 @@ namespace qn {
 
 // Tells when each frame of one stream was played, from the arrival times of its packets, which
 // come late and in bursts but never before their last frame was played: the earliest arrival
-// counts. Frames are numbered from 0 since the construction; times are steady-clock nanoseconds.
+// counts. Servers lose a cycle after the very first packet, so that one counts only at first.
+// Frames are numbered from 0 since the construction; times are steady-clock nanoseconds.
 class SmoothedClock {
 public:
     explicit SmoothedClock(qint32 framesPerSecond) : sampleRate(framesPerSecond) {}
@@ -24,13 +25,14 @@ public:
 
 private:
     qint64 durationOf(qint64 frames) const;
-    void settle(qint64 arrivalNs);
-    void follow(qint64 slackNs, qint64 arrivalNs);
+    void settle(qint64 earliestNs, qint64 arrivalNs);
+    void follow(qint64 earliestNs, qint64 arrivalNs);
 
     qint32 sampleRate;
     qint64 received = 0; // frames
     qint64 originNs = std::numeric_limits<qint64>::max();
-    qint64 periodStartNs = 0;
+    qint64 firstArrivalNs = 0;
+    qint64 periodStartNs = 0; // 0 while packets of the start-up count
     qint64 smallestSlackNs = std::numeric_limits<qint64>::max(); // of the running period
     bool isSettled = false;
 };

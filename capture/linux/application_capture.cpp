@@ -1,0 +1,96 @@
+#include "capture/linux/application_capture.h"
+
+#include "capture/linux/pulse_catalog.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace qn {
+
+namespace {
+
+// Streams are opened this long after the last event: on PipeWire a recording opened while links
+// still change stays silent.
+constexpr auto kQuietTime = 150ms;
+
+// Not every change is announced.
+constexpr auto kCheckInterval = 1000ms;
+
+} // namespace
+
+ApplicationCapture::ApplicationCapture(const PulseConnection& connection, QString application,
+                                       QString processId, BlockBuilder::Sink receiver)
+    : context(connection.ready()),
+      applicationId(std::move(application)),
+      ownProcessId(std::move(processId)),
+      sink(std::move(receiver)),
+      quiet(connection.loopApi(), context, [this] { check(); }),
+      interval(connection.loopApi(), context, [this] { check(); }) {
+    subscribe();
+    follow(connection.snapshot());
+    interval.start(kCheckInterval);
+}
+
+ApplicationCapture::~ApplicationCapture() {
+    pa_context_set_subscribe_callback(context, nullptr, nullptr);
+    const PulseHandle<pa_operation> cancelled(
+        pa_context_subscribe(context, PA_SUBSCRIPTION_MASK_NULL, nullptr, nullptr));
+}
+
+void ApplicationCapture::subscribe() {
+    const auto changed = [](pa_context*, pa_subscription_event_type_t, uint32_t, void* self) {
+        static_cast<ApplicationCapture*>(self)->quiet.start(kQuietTime);
+    };
+    pa_context_set_subscribe_callback(context, changed, this);
+    const PulseHandle<pa_operation> requested(
+        pa_context_subscribe(context, PA_SUBSCRIPTION_MASK_SINK_INPUT, nullptr, nullptr));
+}
+
+void ApplicationCapture::check() {
+    interval.start(kCheckInterval);
+    if (query)
+        return;
+    query = std::make_unique<ServerQuery>(context, [this](auto snapshot) {
+        query.reset();
+        if (snapshot)
+            follow(*snapshot);
+    });
+}
+
+void ApplicationCapture::follow(const ServerSnapshot& snapshot) {
+    QHash<quint32, OpenRecording> known;
+    for (const auto& [index, recording] : recordings)
+        known.insert(index, {recording.sink, recording.stream->isBroken()});
+    const QList<InputFacts> inputs = inputsOf(snapshot, applicationId, ownProcessId);
+    const StreamPlan plan = planStreams(known, inputs);
+    for (const quint32 index : plan.close)
+        recordings.erase(index);
+    for (const InputFacts& input : inputs) {
+        if (plan.open.contains(input.index))
+            open(input, snapshot);
+    }
+}
+
+void ApplicationCapture::open(const InputFacts& input, const ServerSnapshot& snapshot) {
+    const SinkFacts* played = findSink(snapshot, input.sink);
+    if (!played)
+        return;
+    const int slot = freeSlot();
+    const RecordTarget target{*played, input.index, QString::number(slot)};
+    recordings.emplace(input.index,
+                       Recording{input.sink, slot,
+                                 std::make_unique<RecordStream>(
+                                     context, target, RecordStream::Callbacks{sink, [] {}})});
+}
+
+int ApplicationCapture::freeSlot() const {
+    int slot = 0;
+    const auto uses = [&](const auto& entry) { return entry.second.slot == slot; };
+    while (std::any_of(recordings.begin(), recordings.end(), uses))
+        ++slot;
+    return slot;
+}
+
+} // namespace qn
