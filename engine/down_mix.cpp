@@ -1,5 +1,6 @@
 #include "engine/down_mix.h"
 
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -50,10 +51,10 @@ DownMixWeights downMixWeights(int channels, quint64 channelMask) {
     DownMixWeights weights;
     weights.channel.fill(1.0F);
     const auto count = static_cast<size_t>(channels);
-    size_t next = 0;
-    for (int bit = 0; bit < 64 && next < count; ++bit)
-        if ((channelMask >> bit & 1U) != 0)
-            weights.channel[next++] = weightOfPosition(bit);
+    for (size_t ch = 0; ch < count && channelMask != 0; ++ch) {
+        weights.channel[ch] = weightOfPosition(std::countr_zero(channelMask));
+        channelMask &= channelMask - 1; // on to the next position
+    }
     weights.sum = 0;
     for (size_t ch = 0; ch < count; ++ch)
         weights.sum += static_cast<double>(weights.channel[ch]);
@@ -69,10 +70,9 @@ void downMix(std::span<const float> interleaved, int channels, const DownMixWeig
         for (size_t f = 0; f < frames; ++f)
             out[f] = finiteOrZero(in[f]);
     } else if (channels == 2 && isPlainMean(weights, channels)) {
+        // Halving is exact, so the float sum is the one in double, rounded.
         for (size_t f = 0; f < frames; ++f)
-            out[f] = static_cast<float>((static_cast<double>(finiteOrZero(in[2 * f])) +
-                                         static_cast<double>(finiteOrZero(in[2 * f + 1]))) *
-                                        0.5);
+            out[f] = 0.5F * finiteOrZero(in[2 * f]) + 0.5F * finiteOrZero(in[2 * f + 1]);
     } else {
         downMixAny(in, static_cast<size_t>(channels), weights, mono);
     }

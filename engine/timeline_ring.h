@@ -7,25 +7,23 @@
 
 namespace qn {
 
-// Four seconds of one input's timeline. Index i lives in slot i mod kCapacity, and a slot holds i
-// only while its tag says so. All work goes in contiguous runs, split at the ring's end.
+// The next four seconds of one input's timeline; index i lives in slot i mod kCapacity. The caller
+// adds only to the kCapacity indices from the next one to take, and takes each index once, so a
+// slot never holds any other index: an empty slot is a 0, and no tag is needed to tell.
 class TimelineRing {
 public:
     static constexpr qint64 kCapacity = 192'000;
 
     TimelineRing();
 
-    // Puts the run at indices first..., adding to what they hold already. first >= 0, and at most
-    // kCapacity long.
+    // Adds the run to what indices first... hold already. first >= 0.
     void add(qint64 first, std::span<const float> run);
 
-    // Adds the run at indices first... to `mix` and empties its slots; silence where none holds
-    // its index. first >= 0.
+    // Adds indices first... to `mix` and empties them. first >= 0.
     void take(qint64 first, std::span<float> mix);
 
 private:
     std::vector<float> samples;
-    std::vector<qint64> tags; // the timeline index in the slot, -1 when empty
 };
 
 } // namespace qn
