@@ -8,6 +8,9 @@
 #include <QProcess>
 #include <QThread>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -24,6 +27,20 @@ constexpr int kKillTimeoutMs = 3000;
 constexpr qint64 kReadBytes = 65536;
 constexpr qint64 kSampleBytes = sizeof(float);
 constexpr qsizetype kErrorTailBytes = 2000;
+
+// Woken for each of its packets, tool and reader spend more time on switching than on the samples.
+// With a wide pipe the reader may nap and then take a lot at once while the tool runs on.
+#ifdef F_SETPIPE_SZ
+constexpr unsigned long kNapMicroseconds = 500;
+
+void widenOutput(QProcess& process) {
+    process.setChildProcessModifier([] { fcntl(STDOUT_FILENO, F_SETPIPE_SZ, 1048576); });
+}
+#else
+constexpr unsigned long kNapMicroseconds = 0;
+
+void widenOutput(QProcess&) {}
+#endif
 
 QStringList decodeArguments(const QString& path) {
     return {u"-hide_banner"_s, u"-loglevel"_s, u"error"_s,     u"-nostdin"_s,
@@ -63,6 +80,7 @@ void keepErrorTail(QByteArray& tail, QProcess& process) {
 
 std::optional<DecodedPeaks> decodePeaks(const QString& path) {
     QProcess process;
+    widenOutput(process);
     process.start(ffmpegPath(), decodeArguments(path));
     if (!process.waitForStarted(kStartTimeoutMs))
         return DecodedPeaks{{}, false, process.errorString()};
@@ -76,6 +94,8 @@ std::optional<DecodedPeaks> decodePeaks(const QString& path) {
             if (process.bytesAvailable() == 0 && process.state() == QProcess::NotRunning)
                 break;
         }
+        if (kNapMicroseconds > 0 && process.bytesAvailable() < kReadBytes)
+            QThread::usleep(kNapMicroseconds);
         reader.readInto(accumulator);
         keepErrorTail(errorTail, process);
     }

@@ -151,7 +151,7 @@ void WaveformTimeline::paintBackground(QPainter& painter, const QRectF& area, do
     QColor played = accent;
     played.setAlpha(25);
     painter.fillRect(QRectF(area.topLeft(), QPointF(playhead, area.bottom())), played);
-    painter.setPen(QPen(palette().color(QPalette::Mid), 1));
+    painter.setPen(QPen(palette().color(QPalette::Mid), 1, Qt::SolidLine, Qt::FlatCap));
     painter.drawLine(QPointF(area.left(), area.center().y()),
                      QPointF(area.right(), area.center().y()));
 }
@@ -181,7 +181,7 @@ void WaveformTimeline::paintHint(QPainter& painter, const QRectF& area) const {
 
 void WaveformTimeline::paintPlayhead(QPainter& painter, const QRectF& area, double playhead,
                                      const QColor& accent) {
-    painter.setPen(QPen(accent, 2));
+    painter.setPen(QPen(accent, 2, Qt::SolidLine, Qt::FlatCap));
     painter.drawLine(QPointF(playhead, area.top()), QPointF(playhead, area.bottom()));
     painter.setPen(Qt::NoPen);
     painter.setBrush(accent);
