@@ -16,18 +16,19 @@ namespace {
 constexpr auto kQuietTime = 150ms;
 
 // Not every change is announced.
-constexpr auto kCheckInterval = 1000ms;
+constexpr auto kCheckInterval = 500ms;
 
 } // namespace
 
 ApplicationCapture::ApplicationCapture(const PulseConnection& connection, QString application,
                                        QString processId, BlockBuilder::Sink receiver)
     : context(connection.ready()),
+      loop(connection.loopApi()),
       applicationId(std::move(application)),
       ownProcessId(std::move(processId)),
       sink(std::move(receiver)),
-      quiet(connection.loopApi(), context, [this] { check(); }),
-      interval(connection.loopApi(), context, [this] { check(); }) {
+      quiet(loop, context, [this] { check(); }),
+      interval(loop, context, [this] { check(); }) {
     subscribe();
     follow(connection.snapshot());
     interval.start(kCheckInterval);
@@ -82,7 +83,7 @@ void ApplicationCapture::open(const InputFacts& input, const ServerSnapshot& sna
     recordings.emplace(input.index,
                        Recording{input.sink, slot,
                                  std::make_unique<RecordStream>(
-                                     context, target, RecordStream::Callbacks{sink, [] {}})});
+                                     loop, target, RecordStream::Callbacks{sink, [] {}})});
 }
 
 int ApplicationCapture::freeSlot() const {

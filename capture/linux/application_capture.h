@@ -37,6 +37,7 @@ private:
     int freeSlot() const;
 
     pa_context* context;
+    pa_mainloop_api* loop;
     QString applicationId;
     QString ownProcessId;
     BlockBuilder::Sink sink;

@@ -21,6 +21,9 @@ constexpr auto kCatalogPatience = 1000ms;
 constexpr auto kStartPatience = 1500ms;
 constexpr auto kNoPatience = 50ms; // with a server that has just failed to answer
 
+constexpr auto kServerLost = u"Звуковой сервер отключился — ожидаем подключения";
+constexpr auto kDeviceLost = u"Устройство вывода отключилось — ожидаем подключения";
+
 QString ownProcessId() {
     return QString::number(QCoreApplication::applicationPid());
 }
@@ -43,7 +46,8 @@ private:
     }
     void release();
     void connectionLost();
-    void fail(const QString& message);
+    void fail(QStringView message);
+    void deviceChanged();
     PulseConnection::Clock::time_point deadlineAfter(std::chrono::milliseconds patience) const;
 
     mutable PulseConnection connection;
@@ -97,18 +101,19 @@ QString LinuxBackend::openDevice(const QString& name, PulseConnection::Clock::ti
     const SinkFacts* sink = findSink(connection.snapshot(), name);
     if (!sink)
         return u"Устройство вывода недоступно — ожидаем подключения"_s;
-    const auto changed = [this] {
-        connection.wake();
-        if (device && device->isBroken())
-            fail(u"Устройство вывода отключилось — ожидаем подключения"_s);
-    };
-    device = std::make_unique<RecordStream>(connection.ready(),
-                                            RecordTarget{*sink, PA_INVALID_INDEX, {}},
-                                            RecordStream::Callbacks{emitBlock(), changed});
+    device = std::make_unique<RecordStream>(
+        connection.loopApi(), RecordTarget{*sink, PA_INVALID_INDEX, {}},
+        RecordStream::Callbacks{emitBlock(), [this] { deviceChanged(); }});
     const auto settled = [this] { return !device || device->isRunning() || device->isBroken(); };
     if (connection.waitFor(settled, deadline) && device && device->isRunning())
         return {};
     return u"Не удалось подключиться к устройству вывода — повторяем попытку"_s;
+}
+
+void LinuxBackend::deviceChanged() {
+    connection.wake();
+    if (device->isBroken())
+        fail(device->hasLostServer() ? kServerLost : kDeviceLost);
 }
 
 void LinuxBackend::stop() {
@@ -124,12 +129,12 @@ void LinuxBackend::release() {
 
 void LinuxBackend::connectionLost() {
     release();
-    fail(u"Звуковой сервер отключился — ожидаем подключения"_s);
+    fail(kServerLost);
 }
 
-void LinuxBackend::fail(const QString& message) {
+void LinuxBackend::fail(QStringView message) {
     if (std::exchange(isCapturing, false))
-        Q_EMIT failed(message);
+        Q_EMIT failed(message.toString());
 }
 
 } // namespace

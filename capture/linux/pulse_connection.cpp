@@ -31,43 +31,26 @@ PulseConnection::~PulseConnection() {
 }
 
 pa_context* PulseConnection::ready() const {
-    return context && pa_context_get_state(context.get()) == PA_CONTEXT_READY ? context.get()
-                                                                              : nullptr;
+    return context && context->isReady() ? context->get() : nullptr;
 }
 
 bool PulseConnection::refresh(Clock::time_point deadline) {
     const bool succeeded = connect(deadline) && answered(deadline);
-    isUnresponsive = !succeeded && isGood();
+    isUnresponsive = !succeeded && !context->isFailed();
     return succeeded;
 }
 
-bool PulseConnection::isGood() const {
-    return context && PA_CONTEXT_IS_GOOD(pa_context_get_state(context.get()));
-}
-
 bool PulseConnection::connect(Clock::time_point deadline) {
-    if (!isGood())
-        open();
-    return waitFor([this] { return ready() || !isGood(); }, deadline) && ready();
-}
-
-void PulseConnection::open() {
-    const PulseHandle<pa_proplist> properties(pa_proplist_new());
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Quorlin");
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "quorlin");
-    context.reset(pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop.get()), nullptr,
-                                               properties.get()));
-    const auto changed = [](pa_context*, void* self) {
-        static_cast<PulseConnection*>(self)->contextChanged();
-    };
-    pa_context_set_state_callback(context.get(), changed, this);
-    pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+    if (!context || context->isFailed())
+        context = std::make_unique<PulseContext>(loopApi(), [this] { contextChanged(); });
+    return waitFor([this] { return context->isReady() || context->isFailed(); }, deadline) &&
+           context->isReady();
 }
 
 void PulseConnection::contextChanged() {
-    if (ready())
+    if (context->isReady())
         stood = true;
-    if (!isGood()) {
+    if (context->isFailed()) {
         query.reset();
         known = {};
         if (std::exchange(stood, false))
@@ -81,7 +64,7 @@ bool PulseConnection::answered(Clock::time_point deadline) {
     if (!waitFor(idle, deadline) || !ready()) // an earlier query may still wait for its answer
         return false;
     isFresh = false;
-    query = std::make_unique<ServerQuery>(context.get(), [this](auto answer) {
+    query = std::make_unique<ServerQuery>(context->get(), [this](auto answer) {
         isFresh = answer.has_value();
         if (isFresh)
             known = std::move(*answer);
@@ -92,7 +75,7 @@ bool PulseConnection::answered(Clock::time_point deadline) {
 }
 
 bool PulseConnection::waitFor(const std::function<bool()>& condition, Clock::time_point deadline) {
-    PulseTimer alarm(loopApi(), context.get(), [this] { wake(); });
+    PulseTimer alarm(loopApi(), context->get(), [this] { wake(); });
     alarm.start(std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()));
     while (!condition()) {
         if (Clock::now() >= deadline)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/linux/pulse_context.h"
 #include "capture/linux/pulse_handles.h"
 #include "capture/linux/server_query.h"
 #include "capture/linux/server_snapshot.h"
@@ -55,15 +56,13 @@ public:
     void wake() { pa_threaded_mainloop_signal(loop.get(), 0); }
 
 private:
-    bool isGood() const;
     bool connect(Clock::time_point deadline);
-    void open();
     void contextChanged();
     bool answered(Clock::time_point deadline);
 
     std::function<void()> lost;
     PulseHandle<pa_threaded_mainloop> loop;
-    PulseHandle<pa_context> context;
+    std::unique_ptr<PulseContext> context;
     std::unique_ptr<ServerQuery> query; // unanswered
     ServerSnapshot known;
     bool isFresh = false; // the last query was answered

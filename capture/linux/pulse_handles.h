@@ -18,6 +18,13 @@ struct PulseRelease {
         pa_context_disconnect(context);
         pa_context_unref(context);
     }
+    void operator()(pa_stream* stream) const {
+        pa_stream_set_state_callback(stream, nullptr, nullptr);
+        pa_stream_set_moved_callback(stream, nullptr, nullptr);
+        pa_stream_set_read_callback(stream, nullptr, nullptr);
+        pa_stream_disconnect(stream);
+        pa_stream_unref(stream);
+    }
     void operator()(pa_operation* operation) const {
         pa_operation_cancel(operation);
         pa_operation_unref(operation);

@@ -31,42 +31,36 @@ AudioBlock blockFormat(const RecordTarget& target) {
     return format;
 }
 
-// For a stream that was given up before the server had created it.
-void dropWhenCreated(pa_stream* stream, void*) {
-    if (pa_stream_get_state(stream) == PA_STREAM_READY)
-        pa_stream_disconnect(stream);
-}
-
 } // namespace
 
-RecordStream::RecordStream(pa_context* context, const RecordTarget& target, Callbacks callbacks)
-    : spec(floatSpec(target.sink)),
-      monitor(target.sink.monitor),
+RecordStream::RecordStream(pa_mainloop_api* loop, RecordTarget source, Callbacks callbacks)
+    : target(std::move(source)),
       builder(blockFormat(target), std::move(callbacks.block)),
-      stateChanged(std::move(callbacks.stateChanged)) {
-    const pa_channel_map map = waveOrder(target.sink.map).map;
-    stream = pa_stream_new(context, "Quorlin", &spec, &map);
-    if (stream)
-        connect(target);
-}
+      changed(std::move(callbacks.stateChanged)),
+      context(loop, [this] { contextChanged(); }) {}
 
 bool RecordStream::isRunning() const {
-    return stream && pa_stream_get_state(stream) == PA_STREAM_READY;
+    return stream && pa_stream_get_state(stream.get()) == PA_STREAM_READY;
 }
 
-void RecordStream::connect(const RecordTarget& target) {
-    pa_stream_set_state_callback(
-        stream,
-        [](pa_stream*, void* self) { static_cast<RecordStream*>(self)->serverChangedState(); },
-        this);
-    pa_stream_set_moved_callback(
-        stream, [](pa_stream*, void* self) { static_cast<RecordStream*>(self)->breakDown(); },
-        this);
-    pa_stream_set_read_callback(
-        stream, [](pa_stream*, size_t, void* self) { static_cast<RecordStream*>(self)->read(); },
-        this);
+void RecordStream::contextChanged() {
+    if (context.isReady())
+        connect();
+    else if (context.isFailed())
+        breakDown();
+}
+
+void RecordStream::connect() {
+    const pa_sample_spec spec = floatSpec(target.sink);
+    const pa_channel_map map = waveOrder(target.sink.map).map;
+    stream.reset(pa_stream_new(context.get(), "Quorlin", &spec, &map));
+    if (!stream) {
+        breakDown();
+        return;
+    }
+    setCallbacks();
     if (target.input != PA_INVALID_INDEX)
-        pa_stream_set_monitor_stream(stream, target.input);
+        pa_stream_set_monitor_stream(stream.get(), target.input);
 
     constexpr auto kDefault = static_cast<quint32>(-1);
     const qint64 frames = BlockBuilder::framesPerBlock(static_cast<qint32>(spec.rate));
@@ -75,41 +69,50 @@ void RecordStream::connect(const RecordTarget& target) {
     // DONT_MOVE: else the server goes on with some other source, a microphone even.
     constexpr auto kFlags =
         static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
-    if (pa_stream_connect_record(stream, monitor.constData(), &attributes, kFlags) < 0)
-        release();
+    if (pa_stream_connect_record(stream.get(), target.sink.monitor.constData(), &attributes,
+                                 kFlags) < 0)
+        breakDown();
 }
 
-void RecordStream::serverChangedState() {
-    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream)))
-        breakDown();
+void RecordStream::setCallbacks() {
+    const auto stateChanged = [](pa_stream*, void* self) {
+        static_cast<RecordStream*>(self)->streamChanged();
+    };
+    const auto moved = [](pa_stream*, void* self) {
+        static_cast<RecordStream*>(self)->breakDown();
+    };
+    const auto readable = [](pa_stream*, size_t, void* self) {
+        static_cast<RecordStream*>(self)->read();
+    };
+    pa_stream_set_state_callback(stream.get(), stateChanged, this);
+    pa_stream_set_moved_callback(stream.get(), moved, this);
+    pa_stream_set_read_callback(stream.get(), readable, this);
+}
+
+void RecordStream::streamChanged() {
+    if (PA_STREAM_IS_GOOD(pa_stream_get_state(stream.get())))
+        changed();
     else
-        stateChanged();
+        breakDown();
 }
 
 void RecordStream::read() {
     const void* data = nullptr;
     size_t bytes = 0;
-    while (stream && pa_stream_peek(stream, &data, &bytes) == 0 && bytes > 0) {
-        const auto frames = static_cast<qint64>(bytes / pa_frame_size(&spec));
+    const size_t frameBytes = pa_frame_size(pa_stream_get_sample_spec(stream.get()));
+    while (pa_stream_peek(stream.get(), &data, &bytes) == 0 && bytes > 0) {
+        const auto frames = static_cast<qint64>(bytes / frameBytes);
         builder.add(static_cast<const float*>(data), frames, steadyNs()); // a hole has no data
-        pa_stream_drop(stream);
+        pa_stream_drop(stream.get());
     }
 }
 
 void RecordStream::breakDown() {
-    builder.flush();
-    release();
-    stateChanged();
-}
-
-void RecordStream::release() {
-    if (!stream)
+    if (std::exchange(broken, true))
         return;
-    pa_stream_set_moved_callback(stream, nullptr, nullptr);
-    pa_stream_set_read_callback(stream, nullptr, nullptr);
-    pa_stream_set_state_callback(stream, dropWhenCreated, nullptr);
-    pa_stream_disconnect(stream);
-    pa_stream_unref(std::exchange(stream, nullptr));
+    builder.flush();
+    stream.reset();
+    changed();
 }
 
 } // namespace qn

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/linux/block_builder.h"
+#include "capture/linux/pulse_context.h"
 #include "capture/linux/pulse_handles.h"
 #include "capture/linux/server_snapshot.h"
 
@@ -15,34 +16,39 @@ struct RecordTarget {
 };
 
 // One recording of what a sink, or one stream on it, plays. It never moves to another source: it
-// breaks instead, for good. Used under the main loop's lock; both callbacks come on its thread.
+// breaks instead, for good. It has a connection of its own, because PipeWire's server delivers
+// only the first of a client's recordings in time. Used under the main loop's lock.
 class RecordStream {
 public:
+    // Both come on the main loop's thread, never from within a call here.
     struct Callbacks {
         BlockBuilder::Sink block;
         std::function<void()> stateChanged;
     };
 
-    RecordStream(pa_context* context, const RecordTarget& target, Callbacks callbacks);
+    RecordStream(pa_mainloop_api* loop, RecordTarget source, Callbacks callbacks);
     RecordStream(const RecordStream&) = delete;
     RecordStream& operator=(const RecordStream&) = delete;
-    ~RecordStream() { release(); }
+    ~RecordStream() = default;
 
     bool isRunning() const;
-    bool isBroken() const { return !stream; }
+    bool isBroken() const { return broken || context.isFailed(); }
+    bool hasLostServer() const { return context.isFailed(); }
 
 private:
-    void connect(const RecordTarget& target);
-    void serverChangedState();
+    void contextChanged();
+    void connect();
+    void setCallbacks();
+    void streamChanged();
     void read();
     void breakDown();
-    void release();
 
-    pa_stream* stream = nullptr; // released when broken
-    pa_sample_spec spec{};
-    QByteArray monitor;
+    RecordTarget target;
     BlockBuilder builder;
-    std::function<void()> stateChanged;
+    std::function<void()> changed;
+    PulseContext context;
+    PulseHandle<pa_stream> stream; // once the context is ready, until it breaks
+    bool broken = false;
 };
 
 } // namespace qn
