@@ -167,13 +167,15 @@ QSet<AudioObjectID> MacBackend::processObjects() const {
 // Helper processes come and go (a browser's tabs, a call's audio process): the tap is built anew
 // around the present ones.
 void MacBackend::followProcesses() {
-    if (processObjects() == processes)
-        return;
-    const Selection selection = {kind, selectionId};
-    const QString source = sourceId; // stop clears the member
-    QString error;
-    if (!start(selection, source, error))
-        Q_EMIT failed(error);
+    @autoreleasepool {
+        if (processObjects() == processes)
+            return;
+        const Selection selection = {kind, selectionId};
+        const QString source = sourceId; // stop clears the member
+        QString error;
+        if (!start(selection, source, error))
+            Q_EMIT failed(error);
+    }
 }
 
 // Runs on the platform's real-time thread. It may not wait, lock, touch a file, call Objective-C or

@@ -8,8 +8,8 @@
 #include <QJsonDocument>
 #include <QtEndian>
 
+#include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <mutex>
 #include <thread>
 #include <unistd.h>
@@ -125,7 +125,7 @@ OSStatus AudioObjectGetPropertyData(AudioObjectID object, const AudioObjectPrope
         if (*size < bytes.size())
             mac().faults.append(QStringLiteral("too little room for a property"));
         *size = std::min(*size, static_cast<UInt32>(bytes.size()));
-        std::memcpy(data, bytes.data(), *size);
+        std::copy_n(bytes.data(), *size, static_cast<char*>(data));
     });
 }
 

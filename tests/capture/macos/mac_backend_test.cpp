@@ -264,4 +264,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestMacBackend)
-#include "test_mac_backend.moc"
+#include "mac_backend_test.moc"
