@@ -31,13 +31,12 @@ def sleep_until(moment):
 
 
 def play(place, call):
-    """Starts both sides of the call; returns the moment."""
-    place.env["PULSE_LATENCY_MSEC"] = "60"
+    """Starts both sides of the call; returns the moment and the players."""
+    players = []
     for voice, sink in ((FAR, "speakers"), (NEAR, "voice")):
-        call.write(voice, place.folder / f"{voice}.wav")
-    players = [place.spawn("paplay", f"--device={sink}", place.folder / f"{voice}.wav")
-               for voice, sink in ((FAR, "speakers"), (NEAR, "voice"))]
-    del place.env["PULSE_LATENCY_MSEC"]
+        file = place.folder / f"{voice}.wav"
+        call.write(voice, file)
+        players.append(place.spawn("paplay", f"--device={sink}", file))
     return time.monotonic(), players
 
 

@@ -62,7 +62,8 @@ def report(path, call, lead):
         text.append(
             f"{name}: far side {far.found}/{far.expected} (correlation {far.correlation:.2f}), "
             f"microphone {near.found}/{near.expected} ({near.correlation:.2f}); microphone "
-            f"{offset * 1000:+.1f} ms against the far side; largest shift within a side "
+            f"{offset * 1000:+.1f} ms against the far side, the players' own start included; "
+            f"largest shift within a side "
             f"{max(far.spread(), near.spread()) * 1000:.2f} ms")
     for line in call.lines:
         if call.pause < line.start < call.resume:

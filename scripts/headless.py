@@ -97,7 +97,8 @@ class Headless:
 
     def _start_display(self):
         reader, writer = os.pipe()
-        self.spawn("Xvfb", "-displayfd", writer, "-screen", "0", f"{self.screen}x24",
+        # Without -noreset it refuses clients for a moment whenever the last one leaves.
+        self.spawn("Xvfb", "-noreset", "-displayfd", writer, "-screen", "0", f"{self.screen}x24",
                    pass_fds=[writer])
         os.close(writer)
         with open(reader, encoding="ascii") as numbers:
