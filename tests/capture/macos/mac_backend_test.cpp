@@ -1,11 +1,17 @@
 #include "capture/capture_backend.h"
+#include "engine/recorder_worker.h"
 #include "simulated_mac.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -260,6 +266,51 @@ private Q_SLOTS:
             QVERIFY(start());
             backend->stop();
         }
+    }
+
+    void aRecordingHoldsTheToneWithoutAGap() {
+        mac().properties[{1, u"dev#"_s}] = mac().properties[{12, u"stm#"_s}] = ids({12});
+        mac().properties[{12, u"uid "_s}] = u"card"_s;
+        setTapFormat(44100, 1, 32, 1);
+        constexpr double kRadians = 2 * 3.14159265358979 * 1000; // per second, of a 1 kHz tone
+        std::jthread device([](const std::stop_token& stop) {
+            AudioTimeStamp stamp = {};
+            stamp.mHostTime = AudioGetCurrentHostTime() + 12'000'000; // a busy machine may lag
+            stamp.mFlags = kAudioTimeStampHostTimeValid;
+            auto due = std::chrono::steady_clock::now();
+            for (int frame = 0; !stop.stop_requested(); stamp.mHostTime += 240'000) {
+                float cycle[441];
+                for (float& sample : cycle)
+                    sample = 0.5F * static_cast<float>(std::sin(kRadians * frame++ / 44100));
+                std::this_thread::sleep_until(due += std::chrono::milliseconds(10));
+                deliver({{1, {reinterpret_cast<char*>(cycle), sizeof cycle}}}, &stamp);
+            }
+        });
+        QThread thread;
+        RecorderWorker worker;
+        worker.moveToThread(&thread);
+        thread.start();
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"call.wav"_s);
+        const Settings settings = {0, {}, false, {}, AudioFormat::Wav, {}};
+        QSignalSpy progress(&worker, &RecorderWorker::progress);
+        QSignalSpy completed(&worker, &RecorderWorker::completed);
+        QMetaObject::invokeMethod(&worker, [&] { worker.begin(settings, path + u".part"_s); });
+        QTRY_COMPARE(progress.count(), 2);
+        QMetaObject::invokeMethod(&worker, &RecorderWorker::stop);
+        QTRY_COMPARE(completed.count(), 1);
+        thread.quit();
+        thread.wait();
+        QCOMPARE(completed[0].value(2).toString(), QString());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QList<qint16> samples(file.size() / 2);
+        file.read(reinterpret_cast<char*>(samples.data()), file.size());
+        for (qsizetype i = 36'000; i < 84'000; ++i) { // a tone follows from its last two samples
+            const double next = 2 * std::cos(kRadians / 48000) * samples[i - 1] - samples[i - 2];
+            QVERIFY2(std::abs(samples[i] - next) < 100, qPrintable(QString::number(i)));
+        }
+        QVERIFY(*std::max_element(samples.begin() + 36'000, samples.end()) > 16'000);
     }
 };
 
