@@ -1,0 +1,133 @@
+#include "engine/timeline_mixer.h"
+
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// `steps` are blocks of one frame repeated, "input:index:count:frame[:rate[:key[:mask]]]", and
+// reads, "r:count". `expected` are the runs "index:count:value" they leave; all else is silence.
+struct Script {
+    const char* name;
+    QString steps;
+    QString expected;
+};
+
+QString blocksOfManySources(int others) {
+    QString steps = u"1:0:480:.2:48000:app "_s;
+    for (int k = 0; k < others; ++k)
+        steps += u"1:0:1:0:48000:%1 "_s.arg(k);
+    return steps + u"1:1100:480:.2:48000:app"_s;
+}
+
+const Script kScripts[]{
+    {"jitter up to 20 ms is seamless", u"0:9:480:.2 0:1449:480:.4"_s, u"9:480:.2 489:480:.4"_s},
+    {"more than 20 ms is a gap", u"0:9:480:.2 0:1450:480:.4"_s, u"9:480:.2 1450:480:.4"_s},
+    {"too early adds up", u"0:0:2000:.2 0:1039:961:.4"_s, u"0:1039:.2 1039:961:.6"_s},
+    {"drift moves one sample, once a second", u"0:0:48000:.2 0:48481:9:.4 0:48900:9:.6"_s,
+     u"0:48000:.2 48001:9:.4 48010:9:.6"_s},
+    {"drift moves back", u"0:0:50000:.2 0:49519:1:.4"_s, u"0:49999:.2 49999:1:.6"_s},
+    {"10 ms is no drift", u"0:0:48000:.2 0:48480:9:.4"_s, u"0:48000:.2 48000:9:.4"_s},
+    {"sources are independent", u"0:0:9:.2 1:5:9:.2 1:10:9:.4:48000:b"_s,
+     u"0:5:.2 5:4:.4 9:1:.2 10:4:.6 14:5:.4"_s},
+    {"the sum is clamped", u"0:0:9:.7 1:0:9:.7 0:2000:9:-.7 1:2000:9:-.7"_s, u"0:9:1 2000:9:-1"_s},
+    {"what was read is lost", u"r:500 0:0:600:.2"_s, u"500:100:.2"_s},
+    {"4 s ahead is lost", u"0:191990:20:.2 r:100 0:192010:20:.4"_s, u"191990:10:.2 192010:20:.4"_s},
+    {"a new rate starts afresh", u"0:0:9:.2 0:9:480:0:44100 0:700:9:.4"_s, u"0:9:.2 700:9:.4"_s},
+    {"a frame is averaged", u"0:0:9:.2,.6"_s, u"0:9:.4"_s},
+    {"low frequency is dropped", u"0:0:9:.1,.2,.4,.9:48000::15"_s, u"0:9:.2153009"_s},
+    {"channels beyond the mask count", u"0:0:9:.5,.2:48000::4"_s, u"0:9:.3242641"_s},
+    {"only finite samples count", u"0:0:9:.6,nan 1:0:9:inf"_s, u"0:9:.3"_s},
+    {"33 channels are refused", u"1:0:9:.5:7999 1:0:9:.5"_s + u",.5"_s.repeated(32), u"0:0:0"_s},
+    {"129 sources are kept", blocksOfManySources(128), u"0:960:.2"_s},
+    {"the 130th clears them", blocksOfManySources(129), u"0:480:.2 1100:480:.2"_s},
+};
+
+qn::AudioBlock blockOf(const QStringList& step) {
+    qn::AudioBlock block;
+    for (int k = 0; k < step[2].toInt(); ++k)
+        for (const QString& sample : step[3].split(u','))
+            block.samples << sample.toFloat();
+    block.channels = static_cast<int>(step[3].count(u',')) + 1;
+    block.timestampNs = std::llround(step[1].toDouble() * 1e9 / 48000);
+    block.sampleRate = step.value(4, u"48000"_s).toInt();
+    block.sourceKey = step.value(5);
+    block.channelMask = step.value(6).toULongLong();
+    return block;
+}
+
+} // namespace
+
+class TimelineMixerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void placesBlocksByTheirTimes() {
+        for (const auto& [name, steps, runs] : kScripts) {
+            qn::TimelineMixer mixer;
+            QList<float> mix;
+            for (const QString& text : steps.split(u' '))
+                if (const QStringList step = text.split(u':'); step[0] == u"r")
+                    mix += mixer.read(step[1].toInt());
+                else
+                    mixer.push(step[0].toInt(), blockOf(step));
+            mix += mixer.read(200'000);
+            QList<float> expected(mix.size(), 0.0F);
+            for (const QString& text : runs.split(u' ')) {
+                const QStringList run = text.split(u':');
+                std::fill_n(expected.begin() + run[0].toInt(), run[1].toInt(), run[2].toFloat());
+            }
+            for (qsizetype k = 0; k < mix.size(); ++k)
+                QVERIFY2(std::abs(mix[k] - expected[k]) < 1e-6F,
+                         qPrintable(u"%1 at %2: %3"_s.arg(QLatin1String(name)).arg(k).arg(mix[k])));
+        }
+    }
+
+    void resamplesInStepAndWithoutSeams() {
+        const auto tone = [](double seconds) {
+            return static_cast<float>(.5 * std::sin(2000 * std::numbers::pi * seconds));
+        };
+        for (const int rate : {22050, 32000, 44100, 48000}) {
+            qn::TimelineMixer mixer;
+            QList<float> mix;
+            for (int tick = 0; tick < 250; ++tick) { // 5 s: the ring wraps
+                qn::AudioBlock block{{}, rate, 2, tick * 20'000'000LL, 3, {}};
+                for (int frame = tick * rate / 50; frame < (tick + 1) * rate / 50; ++frame)
+                    block.samples << tone(1.0 * frame / rate) << tone(1.0 * frame / rate);
+                mixer.push(0, block);
+                if (tick >= 10) // the filter's delay
+                    mix += mixer.read(960);
+            }
+            for (int k = 4800; k < mix.size(); ++k)
+                QVERIFY2(std::abs(mix[k] - tone(k / 48000.0)) < 2e-3F,
+                         qPrintable(u"%1 Hz at %2"_s.arg(rate).arg(k)));
+        }
+    }
+
+    void levelFallsOnlyWithBlocks() {
+        qn::TimelineMixer mixer;
+        mixer.push(0, {QList<float>(100, -.8F), 48000, 1, 0, 0, {}});
+        mixer.push(0, {{1.F}, 48000, 1, 5'000'000'000, 0, {}}); // too far ahead to be heard
+        mixer.push(0, {{1.F}, 48000, 1, 0, 8, {}});             // only a low-frequency channel
+        mixer.read(960);
+        QCOMPARE(mixer.level(0), .8F * .85F);
+    }
+
+    void survivesAbsurdInput() {
+        constexpr qint64 kFirst = std::numeric_limits<qint64>::min();
+        qn::TimelineMixer mixer;
+        mixer.reset(kFirst);
+        for (const qint64 time : {kFirst, ~kFirst, kFirst})
+            for (const int channels : {1, 3}) // of three channels, two samples are no frame
+                mixer.push(0, {{3e38F, 3e38F}, 44100, channels, time, 0, {}});
+        mixer.read(400'000);
+    }
+};
+
+QTEST_GUILESS_MAIN(TimelineMixerTest)
+#include "timeline_mixer_test.moc"
