@@ -1,0 +1,178 @@
+#include "engine/codec_arguments.h"
+#include "engine/tools.h"
+#include "export/export_job.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/resource.h>
+
+#include <csignal>
+
+using namespace qn;
+using namespace Qt::StringLiterals;
+
+class ExportJobTest : public QObject {
+    Q_OBJECT
+
+    const QTemporaryDir folder;
+    const QByteArray title = "-y \"%1\"; 'x'\n\\ = Привет";
+    std::unique_ptr<ExportJob> job = std::make_unique<ExportJob>(); // used again and again
+    QList<int> percents;
+    QStringList messages;
+
+    QString at(const QString& name) const { return folder.filePath(name); }
+
+    QByteArray contents(const QString& name) const {
+        QFile file(at(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    void write(const QString& name, const QByteArray& data) const {
+        QFile file(at(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    // A stand-in for ffmpeg; "$out" is the file that it is to write.
+    void useTool(const QByteArray& script) const {
+        write(u"tool"_s, "#!/bin/sh\nfor out; do :; done\n" + script);
+        qputenv("QUORLIN_FFMPEG", script.isEmpty() ? "/nonexistent" : at(u"tool"_s).toUtf8());
+    }
+
+    void start(const QString& path, AudioFormat format, const QString& target = u"target"_s) {
+        Recording recording;
+        recording.title = QString::fromUtf8(title);
+        recording.path = path.contains(u':') ? path : at(path);
+        recording.format = path.section(u'.', -1);
+        recording.status = path.contains(u"cut") ? u"interrupted"_s : u"ready"_s;
+        recording.started = QDateTime::fromMSecsSinceEpoch(1714557600123, Qt::UTC);
+        recording.durationMs = 3000;
+        percents.clear();
+        messages.clear();
+        job->start(recording, at(target), format);
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        connect(job.get(), &ExportJob::progress, this, [this](int now) { percents += now; });
+        connect(job.get(), &ExportJob::finished, this,
+                [this](bool, const QString& message) { messages += message; });
+        for (const AudioFormat format : {AudioFormat::Opus, AudioFormat::Mp3, AudioFormat::Wav})
+            QProcess::execute(ffmpegPath(),
+                              u"-v error -f lavfi -i sine=duration=3 -ar 48000"_s.split(u' ') +
+                                  codecArguments(format) +
+                                  QStringList(at(u"cut."_s + toText(format))));
+        QByteArray wav = contents(u"cut.wav"_s); // a killed ffmpeg leaves a wrong length
+        write(u"cut.wav"_s,
+              wav.replace(wav.indexOf("data") + 4, 4, QByteArray::fromHex("e8030000")));
+        write(u"big.mp3"_s, QByteArray(3 << 20, 'x'));
+        QVERIFY(QFile::link(at(u"big.mp3"_s), at(u"link.mp3"_s)));
+    }
+
+    void init() { write(u"target"_s, "old"); }
+
+    void cleanup() {
+        const auto all = QDir::Files | QDir::Hidden | QDir::System;
+        QCOMPARE(QDir(folder.path()).entryList({u".*"_s, u"target?*"_s}, all), QStringList());
+    }
+
+    void everyRecordingBecomesEveryFormat() {
+        for (const QString& name : {u"cut.opus"_s, u"cut.mp3"_s, u"cut.wav"_s}) {
+            for (const AudioFormat format :
+                 {AudioFormat::Opus, AudioFormat::Mp3, AudioFormat::Wav}) {
+                start(name, format);
+                QTRY_COMPARE(messages, QStringList(u"Аудио экспортировано"_s));
+                QVERIFY(std::is_sorted(percents.begin(), percents.end()) && percents.last() == 100);
+                QVERIFY(contents(u"target"_s).contains(title));
+                const QString decode =
+                    u"-v error -y -i %1 -f u8 %2"_s.arg(at(u"target"_s), at(u"pcm"_s));
+                QProcess::execute(ffmpegPath(), decode.split(u' '));
+                const QByteArray pcm = contents(u"pcm"_s);
+                QCOMPARE(pcm.size(), 144000);
+                int crossings = 0; // 440 Hz cross the middle 2640 times
+                for (qsizetype i = 1; i < pcm.size(); ++i)
+                    crossings += (pcm[i - 1] < 0) != (pcm[i] < 0);
+                QVERIFY(qAbs(crossings - 2640) < 5);
+            }
+        }
+    }
+
+    void theToolIsAskedAndHeard() {
+        useTool("printf '%s\\n' \"$@\" >$0.arguments; printf "
+                "'out_time_us=N/A\\nout_time_us=-3000000\\nout_time_us=15' >&2; sleep 0.2\n"
+                "printf '00000\\nout_time_us=9223372036854775807\\n' >&2");
+        start(u"concat:cut.wav"_s, AudioFormat::Mp3);
+        QTRY_COMPARE(percents, (QList{0, -90, 45, 90, 100, 100}));
+        QCOMPARE(contents(u"tool.arguments"_s).split('/').first(),
+                 "-hide_banner\n-loglevel\nerror\n-nostdin\n-y\n-ignore_length\n1\n-i\nfile:concat:"
+                 "cut.wav\n-vn\n"
+                 "-ar\n48000\n-ac\n1\n-metadata\ntitle=" +
+                     title +
+                     "\n-metadata\n"
+                     "creation_time=2024-05-01T10:00:00.123Z\n-c:a\nlibmp3lame\n-b:a\n128k\n-"
+                     "f\nmp3\n-progress\npipe:2\n");
+    }
+
+    void aFailureLeavesTheOldTarget() {
+        const QString missing = u"No such file or directory"_s,
+                      copying = u"Ошибка копирования аудио"_s;
+        const struct {
+            QByteArray tool;
+            QString source, target, message;
+        } rows[] = {
+            {"yes | head -c 3000000 >&2; exit 3", u"cut.wav"_s, u"target"_s,
+             u"Не удалось преобразовать аудио: "_s + u"y\n"_s.repeated(1500)},
+            {"kill -9 $$", u"cut.wav"_s, u"target"_s, u"Не удалось преобразовать аудио: "_s},
+            {"", u"cut.wav"_s, u"target"_s, missing},
+            {"", u"missing.mp3"_s, u"target"_s, missing},
+            {"", u"big.mp3"_s, u"target"_s, copying},
+            {"", u"link.mp3"_s, u"big.mp3"_s, u"Нельзя заменить исходную запись экспортом"_s},
+            {"", u"big.mp3"_s, u"missing/target"_s, missing}};
+        const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY}, fullDisk{2 << 20, RLIM_INFINITY};
+        std::signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &fullDisk);
+        for (const auto& row : rows) {
+            useTool(row.tool);
+            start(row.source, AudioFormat::Mp3, row.target);
+            QTRY_COMPARE(messages.size(), 1);
+            QVERIFY2(messages[0].endsWith(row.message), qPrintable(messages[0]));
+            QCOMPARE(percents.isEmpty(), row.target != "target"_L1);
+            QCOMPARE(contents(u"target"_s), "old");
+        }
+        setrlimit(RLIMIT_FSIZE, &unlimited);
+    }
+
+    void theHandlerMayStartTheNextExport() {
+        for (const char* tool : {"", "exit 1"}) {
+            useTool(tool);
+            const QObject context;
+            connect(job.get(), &ExportJob::finished, &context, [this](bool success) {
+                useTool("exit 0");
+                if (!success)
+                    start(u"cut.wav"_s, AudioFormat::Mp3);
+            });
+            start(u"cut.wav"_s, AudioFormat::Mp3);
+            QTRY_COMPARE(messages, QStringList(u"Аудио экспортировано"_s));
+        }
+    }
+
+    void anExportEndsWhenCancelledOrDestroyed() {
+        useTool("while :; do echo out_time_us=1 >&2; : > $out; done");
+        for (const QString& name : {u"cut.wav"_s, u"big.mp3"_s}) {
+            start(name, AudioFormat::Mp3);
+            QTRY_VERIFY(!percents.isEmpty());
+            start(name, AudioFormat::Wav, u"target2"_s); // ignored
+            job->cancel();
+            QTRY_COMPARE(messages, QStringList(u"Экспорт отменён"_s));
+            QCOMPARE(contents(u"target"_s), "old");
+        }
+        start(u"cut.wav"_s, AudioFormat::Mp3);
+        QTRY_VERIFY(!percents.isEmpty());
+        job.reset();
+        QCOMPARE(messages, QStringList());
+    }
+};
+
+QTEST_GUILESS_MAIN(ExportJobTest)
+#include "export_job_test.moc"
