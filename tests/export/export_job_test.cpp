@@ -23,13 +23,13 @@ class ExportJobTest : public QObject {
 
     QString at(const QString& name) const { return folder.filePath(name); }
 
-    QByteArray contents(const QString& name) const {
-        QFile file(at(name));
+    static QByteArray contents(const QString& name) {
+        QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    void write(const QString& name, const QByteArray& data) const {
-        QFile file(at(name));
+    static void write(const QString& name, const QByteArray& data) {
+        QFile file(name);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
@@ -55,19 +55,18 @@ class ExportJobTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
+        QDir::setCurrent(folder.path());
         connect(job.get(), &ExportJob::progress, this, [this](int now) { percents += now; });
         connect(job.get(), &ExportJob::finished, this,
                 [this](bool, const QString& message) { messages += message; });
         for (const AudioFormat format : {AudioFormat::Opus, AudioFormat::Mp3, AudioFormat::Wav})
-            QProcess::execute(ffmpegPath(),
-                              u"-v error -f lavfi -i sine=duration=3 -ar 48000"_s.split(u' ') +
-                                  codecArguments(format) +
-                                  QStringList(at(u"cut."_s + toText(format))));
-        QByteArray wav = contents(u"cut.wav"_s); // a killed ffmpeg leaves a wrong length
-        write(u"cut.wav"_s,
-              wav.replace(wav.indexOf("data") + 4, 4, QByteArray::fromHex("e8030000")));
+            QProcess::execute(ffmpegPath(), u"-v error -f lavfi -i sine=d=3:r=48000"_s.split(u' ') +
+                                                codecArguments(format) +
+                                                QStringList(u"cut."_s + toText(format)));
+        const QByteArray wav = contents(u"cut.wav"_s); // a killed ffmpeg leaves a wrong length
+        write(u"cut.wav"_s, QByteArray(wav).replace(wav.indexOf("data") + 4, 3, "\1\1\1"));
         write(u"big.mp3"_s, QByteArray(3 << 20, 'x'));
-        QVERIFY(QFile::link(at(u"big.mp3"_s), at(u"link.mp3"_s)));
+        QVERIFY(QFile::link(at(u"big.mp3"_s), u"link.mp3"_s));
     }
 
     void init() { write(u"target"_s, "old"); }
@@ -85,15 +84,10 @@ private Q_SLOTS:
                 QTRY_COMPARE(messages, QStringList(u"Аудио экспортировано"_s));
                 QVERIFY(std::is_sorted(percents.begin(), percents.end()) && percents.last() == 100);
                 QVERIFY(contents(u"target"_s).contains(title));
-                const QString decode =
-                    u"-v error -y -i %1 -f u8 %2"_s.arg(at(u"target"_s), at(u"pcm"_s));
+                const QString decode = u"-v error -y -i target -f u8 pcm"_s;
                 QProcess::execute(ffmpegPath(), decode.split(u' '));
-                const QByteArray pcm = contents(u"pcm"_s);
-                QCOMPARE(pcm.size(), 144000);
-                int crossings = 0; // 440 Hz cross the middle 2640 times
-                for (qsizetype i = 1; i < pcm.size(); ++i)
-                    crossings += (pcm[i - 1] < 0) != (pcm[i] < 0);
-                QVERIFY(qAbs(crossings - 2640) < 5);
+                const QByteArray pcm = contents(u"pcm"_s); // 3 s, and of sound, not of silence
+                QVERIFY(pcm.size() == 144000 && pcm.count('\x80') < 9000);
             }
         }
     }
@@ -104,19 +98,12 @@ private Q_SLOTS:
                 "printf '00000\\nout_time_us=9223372036854775807\\n' >&2");
         start(u"concat:cut.wav"_s, AudioFormat::Mp3);
         QTRY_COMPARE(percents, (QList{0, -90, 45, 90, 100, 100}));
-        QCOMPARE(contents(u"tool.arguments"_s).split('/').first(),
-                 "-hide_banner\n-loglevel\nerror\n-nostdin\n-y\n-ignore_length\n1\n-i\nfile:concat:"
-                 "cut.wav\n-vn\n"
-                 "-ar\n48000\n-ac\n1\n-metadata\ntitle=" +
-                     title +
-                     "\n-metadata\n"
-                     "creation_time=2024-05-01T10:00:00.123Z\n-c:a\nlibmp3lame\n-b:a\n128k\n-"
-                     "f\nmp3\n-progress\npipe:2\n");
+        const QByteArray arguments = contents(u"tool.arguments"_s);
+        QVERIFY(arguments.contains("-y\n-ignore_length\n1\n-i\nfile:concat:cut.wav\n-vn\n"));
+        QVERIFY(arguments.contains("\ncreation_time=2024-05-01T10:00:00.123Z\n"));
     }
 
     void aFailureLeavesTheOldTarget() {
-        const QString missing = u"No such file or directory"_s,
-                      copying = u"Ошибка копирования аудио"_s;
         const struct {
             QByteArray tool;
             QString source, target, message;
@@ -124,11 +111,11 @@ private Q_SLOTS:
             {"yes | head -c 3000000 >&2; exit 3", u"cut.wav"_s, u"target"_s,
              u"Не удалось преобразовать аудио: "_s + u"y\n"_s.repeated(1500)},
             {"kill -9 $$", u"cut.wav"_s, u"target"_s, u"Не удалось преобразовать аудио: "_s},
-            {"", u"cut.wav"_s, u"target"_s, missing},
-            {"", u"missing.mp3"_s, u"target"_s, missing},
-            {"", u"big.mp3"_s, u"target"_s, copying},
+            {"", u"cut.wav"_s, u"target"_s, u"No such file or directory"_s},
+            {"", u"missing.mp3"_s, u"target"_s, u"No such file or directory"_s},
+            {"", u"big.mp3"_s, u"target"_s, u"Ошибка копирования аудио"_s},
             {"", u"link.mp3"_s, u"big.mp3"_s, u"Нельзя заменить исходную запись экспортом"_s},
-            {"", u"big.mp3"_s, u"missing/target"_s, missing}};
+            {"", u"big.mp3"_s, u"missing/target"_s, u"No such file or directory"_s}};
         const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY}, fullDisk{2 << 20, RLIM_INFINITY};
         std::signal(SIGXFSZ, SIG_IGN);
         setrlimit(RLIMIT_FSIZE, &fullDisk);
@@ -148,8 +135,7 @@ private Q_SLOTS:
             useTool(tool);
             const QObject context;
             connect(job.get(), &ExportJob::finished, &context, [this](bool success) {
-                useTool("exit 0");
-                if (!success)
+                if (useTool("exit 0"); !success)
                     start(u"cut.wav"_s, AudioFormat::Mp3);
             });
             start(u"cut.wav"_s, AudioFormat::Mp3);
@@ -157,16 +143,22 @@ private Q_SLOTS:
         }
     }
 
-    void anExportEndsWhenCancelledOrDestroyed() {
+    void anExportEndsWhenCancelledCopiedOrDestroyed() {
         useTool("while :; do echo out_time_us=1 >&2; : > $out; done");
         for (const QString& name : {u"cut.wav"_s, u"big.mp3"_s}) {
+            const QObject context;
+            connect(job.get(), &ExportJob::progress, &context, [&] {
+                if (job->isRunning())
+                    start(name, AudioFormat::Wav, u"target2"_s); // ignored
+                job->cancel();
+            });
             start(name, AudioFormat::Mp3);
-            QTRY_VERIFY(!percents.isEmpty());
-            start(name, AudioFormat::Wav, u"target2"_s); // ignored
-            job->cancel();
             QTRY_COMPARE(messages, QStringList(u"Экспорт отменён"_s));
             QCOMPARE(contents(u"target"_s), "old");
         }
+        start(u"big.mp3"_s, AudioFormat::Mp3);
+        QTRY_COMPARE(percents, (QList{33, 66, 100, 100}));
+        QCOMPARE(contents(u"target"_s), contents(u"big.mp3"_s));
         start(u"cut.wav"_s, AudioFormat::Mp3);
         QTRY_VERIFY(!percents.isEmpty());
         job.reset();
