@@ -1,9 +1,9 @@
 #include "ui/file_names.h"
 
+#include "core/date_time.h"
 #include "core/text.h"
 #include "ui/recording_text.h"
 
-#include <QTimeZone>
 
 namespace qn {
 

@@ -57,8 +57,10 @@ private Q_SLOTS:
             {2, u"a"_s, {u"P"_s, u"Не подключено: a"_s}, 1},
         };
         for (const auto& row : rows) {
-            const ComboContents contents =
-                sourceItems({.sourceKind = row.kind, .sourceId = row.id}, catalog);
+            Settings settings;
+            settings.sourceKind = row.kind;
+            settings.sourceId = row.id;
+            const ComboContents contents = sourceItems(settings, catalog);
             QStringList texts;
             for (const ComboItem& item : contents.items)
                 texts.append(item.text);
@@ -66,7 +68,9 @@ private Q_SLOTS:
             QCOMPARE(contents.current, row.current);
             QCOMPARE(contents.enabled, row.kind != 0);
         }
-        const auto missing = microphoneItems({.microphoneId = "gone"}, {{"here", u"Here"_s}});
+        Settings settings;
+        settings.microphoneId = "gone";
+        const auto missing = microphoneItems(settings, {{"here", u"Here"_s}});
         QCOMPARE(missing.items.last().text, u"Не подключено: выбранный микрофон"_s);
         QCOMPARE(missing.current, 2);
     }
