@@ -75,7 +75,7 @@ struct TimelineMixer::Track {
 
     std::shared_ptr<Source> sourceOf(const SourceKey& key);
     std::span<const float> downMixed(const AudioBlock& block, const DownMixWeights& weights);
-    void place(qint64 first, std::span<const float> output, qint64 position);
+    void place(qint64 first, std::span<const float> output, qint64 from);
 };
 
 std::shared_ptr<Source> TimelineMixer::Track::sourceOf(const SourceKey& key) {
@@ -96,15 +96,13 @@ std::span<const float> TimelineMixer::Track::downMixed(const AudioBlock& block,
     return result;
 }
 
-// Keeps what lies within the ring's reach of the read position; the rest is lost.
-void TimelineMixer::Track::place(qint64 first, std::span<const float> output, qint64 position) {
+// Keeps what lies within the ring's reach of the next index to read; the rest is lost.
+void TimelineMixer::Track::place(qint64 first, std::span<const float> output, qint64 from) {
     const auto count = static_cast<qint64>(output.size());
-    const qint64 skipped = std::clamp<qint64>(position - first, 0, count);
-    const qint64 end =
-        std::clamp<qint64>(position + TimelineRing::kCapacity - first, skipped, count);
-    const auto kept =
-        output.subspan(static_cast<size_t>(skipped), static_cast<size_t>(end - skipped));
-    ring.add(first + skipped, kept);
+    const qint64 begin = std::clamp<qint64>(from - first, 0, count);
+    const qint64 end = std::clamp<qint64>(from + TimelineRing::kCapacity - first, begin, count);
+    const auto kept = output.subspan(static_cast<size_t>(begin), static_cast<size_t>(end - begin));
+    ring.add(first + begin, kept);
     level = std::max(level, peakOf(kept));
 }
 
