@@ -14,8 +14,8 @@ struct Recording {
     QString path;     // absolute; ends in ".part" while the recording is unfinished
     QString format;   // "opus", "mp3" or "wav"
     QString timezone; // IANA id of the system zone at the start
-    QString
-        status; // "starting", "recording", "paused", "finalizing", "ready", "failed", "interrupted"
+    // "starting", "recording", "paused", "finalizing", "ready", "failed" or "interrupted"
+    QString status;
     QDateTime started; // UTC
     QDateTime ended;   // UTC; invalid while unknown
     qint64 durationMs = 0;
@@ -24,4 +24,5 @@ struct Recording {
 
 } // namespace qn
 
+Q_DECLARE_TYPEINFO(qn::Recording, Q_RELOCATABLE_TYPE);
 Q_DECLARE_METATYPE(qn::Recording)

@@ -1,1 +1,240 @@
 #include "storage/library.h"
+
+#include "core/date_time.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHash>
+#include <QJsonDocument>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QUuid>
+#include <QVariant>
+
+#include <stdexcept>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+[[noreturn]] void raise(const QSqlError& error) {
+    throw std::runtime_error(error.text().toStdString());
+}
+
+// A statement that cannot be prepared fails here too, so preparing needs no check of its own.
+void run(QSqlQuery& query) {
+    if (!query.exec())
+        raise(query.lastError());
+}
+
+QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {}) {
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    query.prepare(sql);
+    for (const QVariant& value : values)
+        query.addBindValue(value);
+    run(query);
+    return query;
+}
+
+bool next(QSqlQuery& query) {
+    if (query.next())
+        return true;
+    if (query.lastError().isValid())
+        raise(query.lastError());
+    return false;
+}
+
+// Empty and null alike as '', never NULL.
+QString nonNull(const QString& text) {
+    return text.isEmpty() ? u""_s : text;
+}
+
+QString toJsonText(const QJsonObject& object) {
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+constexpr qsizetype kMostRemembered = 64;
+
+// A column's words recur from row to row: sharing one copy spares memory, and with it time.
+class WordReader {
+public:
+    QString read(const QString& word) {
+        if (word != last)
+            last = word;
+        return last;
+    }
+
+private:
+    QString last;
+};
+
+// Details recur too, so that few texts need parsing.
+class DetailsReader {
+public:
+    QJsonObject read(const QString& text) {
+        if (text == "{}"_L1)
+            return {};
+        const auto known = objects.constFind(text);
+        if (known != objects.cend())
+            return *known;
+        const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
+        if (objects.size() < kMostRemembered)
+            objects.insert(text, object);
+        return object;
+    }
+
+private:
+    QHash<QString, QJsonObject> objects;
+};
+
+// Tells whether a recording started on the wanted day of its own zone; an invalid day wants all.
+class DayFilter {
+public:
+    explicit DayFilter(const QDate& wanted) : day(wanted) {}
+
+    bool accepts(const QDateTime& started, const QString& timezone) {
+        if (!day.isValid())
+            return true;
+        // No zone is a whole day away from UTC: most rows are settled without theirs.
+        const qint64 daysAway = started.toUTC().date().daysTo(day);
+        if (!started.isValid() || daysAway < -1 || daysAway > 1)
+            return false;
+        auto zone = zones.find(timezone);
+        if (zone == zones.end())
+            zone = zones.insert(timezone, recordingZone(timezone));
+        return started.toTimeZone(*zone).date() == day;
+    }
+
+private:
+    QDate day;
+    QHash<QString, QTimeZone> zones;
+};
+
+} // namespace
+
+Library::Library(const QString& path)
+    : connectionName(QUuid::createUuid().toString(QUuid::WithoutBraces)) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    db = QSqlDatabase::addDatabase(u"QSQLITE"_s, connectionName);
+    try {
+        open(path);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+Library::~Library() {
+    close();
+}
+
+void Library::open(const QString& path) {
+    db.setDatabaseName(path);
+    if (!db.open())
+        raise(db.lastError());
+    const QStringList statements{
+        u"PRAGMA foreign_keys=ON"_s,
+        u"PRAGMA journal_mode=WAL"_s,
+        u"PRAGMA busy_timeout=5000"_s,
+        u"CREATE TABLE IF NOT EXISTS recordings (id TEXT PRIMARY KEY,title TEXT NOT NULL,"
+        u"path TEXT NOT NULL,format TEXT NOT NULL,timezone TEXT NOT NULL,started TEXT NOT NULL,"
+        u"ended TEXT,duration_ms INTEGER NOT NULL DEFAULT 0,status TEXT NOT NULL,"
+        u"details TEXT NOT NULL DEFAULT '{}')"_s,
+        u"CREATE TABLE IF NOT EXISTS events (recording_id TEXT NOT NULL REFERENCES recordings(id) "
+        u"ON DELETE CASCADE,at TEXT NOT NULL,kind TEXT NOT NULL,details TEXT NOT NULL)"_s,
+        u"PRAGMA user_version=1"_s,
+        u"PRAGMA temp_store=MEMORY"_s, // sorting must not need a disk that may be full
+    };
+    for (const QString& statement : statements)
+        run(db, statement);
+}
+
+void Library::close() {
+    // The driver keeps a connection alive, and warns, while any handle to it is left.
+    db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(connectionName);
+}
+
+void Library::insert(const Recording& r) {
+    run(db,
+        u"INSERT INTO recordings(id,title,path,format,timezone,started,ended,duration_ms,status,"
+        u"details) VALUES(?,?,?,?,?,?,?,?,?,?)"_s,
+        {nonNull(r.id), nonNull(r.title), nonNull(r.path), nonNull(r.format), nonNull(r.timezone),
+         nonNull(toIsoText(r.started)), nonNull(toIsoText(r.ended)), r.durationMs, r.status,
+         toJsonText(r.details)});
+}
+
+void Library::update(const Recording& r) {
+    run(db,
+        u"UPDATE recordings SET path=?,started=?,ended=?,duration_ms=?,status=?,details=? "
+        u"WHERE id=?"_s,
+        {r.path, toIsoText(r.started), toIsoText(r.ended), r.durationMs, r.status,
+         toJsonText(r.details), r.id});
+}
+
+QList<Recording> Library::list(const QString& search, const QDate& date) const {
+    QSqlQuery query = run(db, u"SELECT id,title,path,format,timezone,started,ended,duration_ms,"
+                              u"status,details FROM recordings ORDER BY started DESC"_s);
+    QList<Recording> found;
+    WordReader formats;
+    WordReader zones;
+    WordReader statuses;
+    DetailsReader details;
+    DayFilter filter(date);
+    while (next(query)) {
+        const QString title = query.value(1).toString();
+        if (!title.contains(search, Qt::CaseInsensitive))
+            continue;
+        const QString timezone = zones.read(query.value(4).toString());
+        const QDateTime started = fromIsoText(query.value(5).toString());
+        if (!filter.accepts(started, timezone))
+            continue;
+        found.append({.id = query.value(0).toString(),
+                      .title = title,
+                      .path = query.value(2).toString(),
+                      .format = formats.read(query.value(3).toString()),
+                      .timezone = timezone,
+                      .status = statuses.read(query.value(8).toString()),
+                      .started = started,
+                      .ended = fromIsoText(query.value(6).toString()),
+                      .durationMs = query.value(7).toLongLong(),
+                      .details = details.read(query.value(9).toString())});
+    }
+    return found;
+}
+
+void Library::rename(const QString& id, const QString& title) {
+    run(db, u"UPDATE recordings SET title=? WHERE id=?"_s, {title, id});
+}
+
+void Library::remove(const QString& id) {
+    run(db, u"DELETE FROM recordings WHERE id=?"_s, {id});
+}
+
+void Library::event(const QString& recordingId, const QString& kind, const QJsonObject& details) {
+    run(db, u"INSERT INTO events VALUES(?,?,?,?)"_s,
+        {recordingId, toIsoText(QDateTime::currentDateTimeUtc()), kind, toJsonText(details)});
+}
+
+QJsonArray Library::events(const QString& recordingId) const {
+    QSqlQuery query =
+        run(db, u"SELECT at,kind,details FROM events WHERE recording_id=? ORDER BY rowid"_s,
+            {recordingId});
+    QJsonArray events;
+    DetailsReader details;
+    while (next(query))
+        events.append(QJsonObject{{u"at"_s, query.value(0).toString()},
+                                  {u"kind"_s, query.value(1).toString()},
+                                  {u"details"_s, details.read(query.value(2).toString())}});
+    return events;
+}
+
+void Library::markInterrupted() {
+    run(db, u"UPDATE recordings SET status='interrupted' WHERE status IN "
+            u"('starting','recording','paused','finalizing')"_s);
+}
+
+} // namespace qn

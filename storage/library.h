@@ -45,6 +45,9 @@ public:
     void markInterrupted();
 
 private:
+    void open(const QString& path);
+    void close();
+
     QSqlDatabase db;
     QString connectionName;
 };
