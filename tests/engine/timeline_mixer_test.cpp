@@ -2,9 +2,9 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numbers>
 
 using namespace Qt::StringLiterals;
 
@@ -61,6 +61,13 @@ qn::AudioBlock blockOf(const QStringList& step) {
     return block;
 }
 
+// Index of the first sample that is off by more than that, -1 when there is none.
+qsizetype firstDifference(const QList<float>& mix, const QList<float>& expected, float tolerance) {
+    const auto near = [&](float a, float b) { return std::abs(a - b) <= tolerance; };
+    const auto [found, _] = std::mismatch(mix.begin(), mix.end(), expected.begin(), near);
+    return found == mix.end() ? -1 : found - mix.begin();
+}
+
 } // namespace
 
 class TimelineMixerTest : public QObject {
@@ -82,30 +89,28 @@ private Q_SLOTS:
                 const QStringList run = text.split(u':');
                 std::fill_n(expected.begin() + run[0].toInt(), run[1].toInt(), run[2].toFloat());
             }
-            for (qsizetype k = 0; k < mix.size(); ++k)
-                QVERIFY2(std::abs(mix[k] - expected[k]) < 1e-6F,
-                         qPrintable(u"%1 at %2: %3"_s.arg(QLatin1String(name)).arg(k).arg(mix[k])));
+            const qsizetype off = firstDifference(mix, expected, 1e-6F);
+            QVERIFY2(off < 0, qPrintable(u"%1: at %2"_s.arg(QLatin1String(name)).arg(off)));
         }
     }
 
     void resamplesInStepAndWithoutSeams() {
-        const auto tone = [](double seconds) {
-            return static_cast<float>(.5 * std::sin(2000 * std::numbers::pi * seconds));
-        };
-        for (const int rate : {22050, 32000, 44100, 48000}) {
+        QList<float> expected;
+        for (const int rate : {48000, 22050, 32000, 44100}) {
             qn::TimelineMixer mixer;
             QList<float> mix;
             for (int tick = 0; tick < 250; ++tick) { // 5 s: the ring wraps
-                qn::AudioBlock block{{}, rate, 2, tick * 20'000'000LL, 3, {}};
+                qn::AudioBlock block{{}, rate, 1, tick * 20'000'000LL, 0, {}};
                 for (int frame = tick * rate / 50; frame < (tick + 1) * rate / 50; ++frame)
-                    block.samples << tone(1.0 * frame / rate) << tone(1.0 * frame / rate);
+                    block.samples << static_cast<float>(.5 * std::sin(6000.0 * frame / rate));
+                if (rate == 48000)
+                    expected += block.samples;
                 mixer.push(0, block);
                 if (tick >= 10) // the filter's delay
                     mix += mixer.read(960);
             }
-            for (int k = 4800; k < mix.size(); ++k)
-                QVERIFY2(std::abs(mix[k] - tone(k / 48000.0)) < 2e-3F,
-                         qPrintable(u"%1 Hz at %2"_s.arg(rate).arg(k)));
+            std::copy_n(expected.begin(), 4800, mix.begin()); // the filter's start
+            QCOMPARE(firstDifference(mix, expected, 2e-3F), -1);
         }
     }
 
