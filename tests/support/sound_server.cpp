@@ -12,10 +12,8 @@ namespace qn::testing {
 SoundServer::SoundServer(Kind chosenKind) : kind(chosenKind) {
     qputenv("XDG_RUNTIME_DIR", home.path().toUtf8());
     qputenv("HOME", home.path().toUtf8());
-    for (const char* name : {"PULSE_SERVER", "PULSE_SINK", "PULSE_SOURCE", "PULSE_LATENCY_MSEC"})
-        qunsetenv(name);
+    qunsetenv("PULSE_SERVER");
     server.setChildProcessModifier([] { setpgid(0, 0); });
-    server.setProcessChannelMode(QProcess::MergedChannels);
     start();
 }
 
@@ -24,55 +22,37 @@ SoundServer::~SoundServer() {
         player->kill();
         player->waitForFinished();
     }
-    kill();
+    signal(SIGKILL);
 }
 
 void SoundServer::start() {
-    if (kind == Kind::PulseAudio) {
-        server.start(u"pulseaudio"_s, {u"-n"_s, u"--daemonize=no"_s, u"--exit-idle-time=-1"_s,
-                                       u"-L"_s, u"module-native-protocol-unix"_s});
-    } else {
-        server.start(u"dbus-run-session"_s,
-                     {u"--"_s, u"sh"_s, u"-c"_s,
-                      u"pipewire & until [ -S $XDG_RUNTIME_DIR/pipewire-0 ]; do sleep 0.02; done;"
-                      " wireplumber & pipewire-pulse & wait"_s});
-    }
-    const auto answers = [this] { return control({u"info"_s}).contains(u"Default Sink"_s); };
-    if (!QTest::qWaitFor(answers, 10000))
-        qFatal("no sound server starts: %s", server.readAll().constData());
+    constexpr const char* kScripts[] = {
+        "exec pulseaudio -n --daemonize=no --exit-idle-time=-1 -L module-native-protocol-unix",
+        "exec dbus-run-session sh -c 'pipewire & while ! [ -S $XDG_RUNTIME_DIR/pipewire-0 ]; do"
+        " sleep 0.02; done; wireplumber & pipewire-pulse & wait'"};
+    server.start(u"sh"_s, {u"-c"_s, QString::fromUtf8(kScripts[kind])});
+    const auto isUp = [this] { return control(u"info"_s).contains(u"Default Sink"_s); };
+    if (!QTest::qWaitFor(isUp, 10000))
+        qFatal("no sound server starts: %s", server.readAllStandardError().constData());
     addSink(u"speakers"_s);
-    addSink(u"feed"_s);
-    control({u"load-module"_s, u"module-remap-source"_s, u"master=feed.monitor"_s,
-             u"source_name=mic"_s});
-    const auto isDefault = [this] {
-        control({u"set-default-sink"_s, u"speakers"_s});
-        return control({u"info"_s}).contains(u"Default Sink: speakers"_s);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(isDefault(), 10000);
+    addSink(u"feed"_s, true);
+    control(u"load-module module-remap-source master=feed.monitor source_name=mic"_s);
+    QTRY_VERIFY(control(u"set-default-sink speakers"_s).isEmpty() &&
+                control(u"info"_s).contains(u"Default Sink: speakers"_s));
 }
 
-void SoundServer::kill() {
+void SoundServer::signal(int number) {
     const auto group = static_cast<pid_t>(server.processId());
     if (group == 0)
         return;
-    ::kill(-group, SIGKILL);
-    server.waitForFinished();
-    QTRY_COMPARE_WITH_TIMEOUT(::kill(-group, 0), -1, 5000);
+    ::kill(-group, number);
+    if (number == SIGKILL) {
+        server.waitForFinished();
+        QTRY_COMPARE(::kill(-group, 0), -1);
+    }
 }
 
-void SoundServer::freeze() {
-    signalAll(SIGSTOP);
-}
-
-void SoundServer::thaw() {
-    signalAll(SIGCONT);
-}
-
-void SoundServer::signalAll(int signal) {
-    ::kill(-static_cast<pid_t>(server.processId()), signal);
-}
-
-QProcess& SoundServer::play(const QString& program, float peak, const QStringList& options) {
+QProcess& SoundServer::play(const QString& program, float peak, const QString& options) {
     QFile tone(home.filePath(QString::number(players.size())));
     if (!tone.open(QIODevice::WriteOnly))
         qFatal("no tone can be written");
@@ -80,28 +60,27 @@ QProcess& SoundServer::play(const QString& program, float peak, const QStringLis
         const float sample = peak * std::sin(0.06F * static_cast<float>(i));
         tone.write(reinterpret_cast<const char*>(&sample), sizeof sample);
     }
+    const QString command =
+        u"--playback --raw --format=float32ne --rate=48000 --channels=1 --latency-msec=50 %1 "
+        "--property=application.process.binary=%2 --property=application.name=%2 %3"_s;
     auto& player = players.emplace_back(std::make_unique<QProcess>());
-    player->start(u"pacat"_s, QStringList{u"--playback"_s, u"--raw"_s, u"--format=float32ne"_s,
-                                          u"--rate=48000"_s, u"--channels=1"_s,
-                                          u"--latency-msec=50"_s, tone.fileName(),
-                                          u"--property=application.process.binary="_s + program,
-                                          u"--property=application.name="_s + program} +
-                                  options);
+    player->start(u"pacat"_s,
+                  command.arg(tone.fileName(), program, options).split(u' ', Qt::SkipEmptyParts));
     return *player;
 }
 
-QString SoundServer::control(const QStringList& arguments) {
+QString SoundServer::control(const QString& arguments) {
     QProcess pactl;
-    pactl.start(u"pactl"_s, arguments);
+    pactl.start(u"pactl"_s, arguments.split(u' '));
     pactl.waitForFinished(5000);
     return QString::fromUtf8(pactl.readAllStandardOutput()).trimmed();
 }
 
-QString SoundServer::addSink(const QString& name) {
-    // With rewinds, PulseAudio's null sink renders up to 2 s ahead; the microphone needs that.
-    return control({u"load-module"_s, u"module-null-sink"_s, u"rate=48000"_s,
-                    u"sink_name="_s + name, u"norewinds=%1"_s.arg(name == u"feed"_s ? 0 : 1),
-                    u"sink_properties=device.description="_s + name.toUpper()});
+QString SoundServer::addSink(const QString& name, bool rewinds) {
+    // With rewinds PulseAudio renders up to 2 s ahead, without them it feeds no steady microphone.
+    return control(
+        u"load-module module-null-sink rate=48000 sink_name=%1 norewinds=%2"_s.arg(name).arg(
+            rewinds ? 0 : 1));
 }
 
 } // namespace qn::testing

@@ -10,33 +10,29 @@ namespace qn::testing {
 
 using namespace Qt::StringLiterals;
 
-// A sound server of the test's own, with the sink "speakers" and the microphone "mic"; this
-// process and its children use it and no other. Its end proves that no process is left.
+// A sound server of the test's own, with the default sink "speakers" and the microphone "mic";
+// this process and its children use it and no other. Its end proves that no process is left.
 class SoundServer {
 public:
-    enum class Kind { PulseAudio, PipeWire };
+    enum Kind { PulseAudio, PipeWire };
 
     explicit SoundServer(Kind chosenKind);
     ~SoundServer();
 
-    // Knobs. start() after kill() is a restart; a frozen server answers nothing until it thaws.
+    // Knobs: start() after signal(SIGKILL) is a restart; SIGSTOP freezes, SIGCONT thaws.
     void start();
-    void kill();
-    void freeze();
-    void thaw();
+    void signal(int number);
 
-    // Plays a sine of that peak as the given program, until the returned process ends.
-    QProcess& play(const QString& program, float peak, const QStringList& options = {});
+    // Plays a sine of that peak, half a minute long, as the program that `options` may say more of.
+    QProcess& play(const QString& program, float peak, const QString& options = {});
 
-    // Runs pactl and returns what it prints, for example the number of a loaded module.
-    QString control(const QStringList& arguments);
+    // Runs pactl with these space-separated arguments and returns what it prints.
+    QString control(const QString& arguments);
 
-    // A sink by that name; the module's number, for "unload-module".
-    QString addSink(const QString& name);
+    // The number to unload it by.
+    QString addSink(const QString& name, bool rewinds = false);
 
 private:
-    void signalAll(int signal);
-
     Kind kind;
     QTemporaryDir home;
     QProcess server;
