@@ -9,7 +9,8 @@ package_list() {
         libqt6sql6-sqlite libsoxr-dev libpulse-dev ffmpeg ;;
     Linux-demo) echo xvfb xdotool pulseaudio pulseaudio-utils python3 python3-numpy ;;
     Linux-pipewire) echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils ;;
-    Linux-test) echo gobjc++ libgnustep-base-dev clang-format-14 shellcheck librsvg2-bin icnsutils ;;
+    Linux-test) echo clang-14 gobjc++ libgnustep-base-dev clang-format-14 shellcheck librsvg2-bin icnsutils \
+        python3 ;;
     Linux-clang) echo clang libclang-rt-dev ;;
     Linux-bench) echo libbenchmark-dev libsqlite3-dev ;;
     Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg ;;

@@ -1,0 +1,23 @@
+# quorlin_bundle(TARGET): the executable becomes Quorlin.app; building `dmg` completes, signs and
+# packs a copy of it.
+set(quorlin_packaging ${CMAKE_CURRENT_LIST_DIR})
+
+function(quorlin_bundle target)
+  set(icon ${CMAKE_CURRENT_BINARY_DIR}/Quorlin.icns)
+  set(drawing ${PROJECT_SOURCE_DIR}/resources/app-icon.svg)
+  add_custom_command(OUTPUT ${icon}
+    COMMAND ${quorlin_packaging}/render-icon ${drawing} ${icon}
+    DEPENDS ${drawing} ${quorlin_packaging}/render-icon VERBATIM)
+  set_source_files_properties(${icon} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
+  target_sources(${target} PRIVATE ${icon})
+  configure_file(${quorlin_packaging}/Info.plist.in Info.plist @ONLY)
+  set_target_properties(${target} PROPERTIES
+    MACOSX_BUNDLE ON
+    OUTPUT_NAME Quorlin
+    MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_BINARY_DIR}/Info.plist)
+
+  add_custom_target(dmg
+    COMMAND ${quorlin_packaging}/package $<TARGET_BUNDLE_DIR:${target}>
+      ${PROJECT_BINARY_DIR}/Quorlin-${PROJECT_VERSION}.dmg
+    DEPENDS ${target} USES_TERMINAL VERBATIM)
+endfunction()
