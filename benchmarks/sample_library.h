@@ -7,6 +7,7 @@
 
 #include <sqlite3.h>
 
+#include <functional>
 #include <stdexcept>
 
 // A library of any size, as the program writes it, and the least work of reading it: the same
@@ -40,8 +41,10 @@ public:
     SampleLibrary& operator=(const SampleLibrary&) = delete;
     ~SampleLibrary() { sqlite3_close(db); }
 
-    // The rows whose title holds that word.
-    int bareQuery(const QString& word = {}) const {
+    // The rows whose title holds that word; each is shown to the visitor, numbered from 0.
+    int bareQuery(
+        const QString& word = {},
+        const std::function<void(int, sqlite3_stmt*)>& visit = [](int, sqlite3_stmt*) {}) const {
         sqlite3_stmt* row = nullptr;
         check(sqlite3_prepare_v2(db,
                                  "SELECT id,title,path,format,timezone,started,ended,duration_ms,"
@@ -56,20 +59,22 @@ public:
                 const QDateTime time = QDateTime::fromString(text(row, column), Qt::ISODateWithMs);
                 complete = time.isValid() && complete;
             }
-            found += complete && text(row, 1).contains(word, Qt::CaseInsensitive);
+            if (complete && text(row, 1).contains(word, Qt::CaseInsensitive))
+                visit(found++, row);
         }
         sqlite3_finalize(row);
         return found;
+    }
+
+    static QString text(sqlite3_stmt* row, int column) {
+        return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(row, column)),
+                                 sqlite3_column_bytes(row, column));
     }
 
 private:
     void check(int status) const {
         if (status != SQLITE_OK)
             throw std::runtime_error(sqlite3_errmsg(db));
-    }
-    static QString text(sqlite3_stmt* row, int column) {
-        return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(row, column)),
-                                 sqlite3_column_bytes(row, column));
     }
 
     QTemporaryDir folder;

@@ -7,19 +7,31 @@
 
 namespace qn {
 
-// The library's recordings, one a row.
+// The library as a table. Its items compose their texts from the rows when asked, so that a refill
+// costs only what is looked at.
 class RecordingTable : public QTableWidget {
     Q_OBJECT
 
 public:
     explicit RecordingTable(QWidget* parent = nullptr);
 
-    // Refills the table without a signal; the selection stays on its recording, else goes to the
-    // first row.
-    void setRows(const QList<Recording>& rows);
+    // Shows these rows and keeps the selected recording selected, else selects the first. Emits
+    // nothing: the caller looks at the selection afterwards.
+    void setRows(const QList<Recording>& recordings);
+
+    // Of the current row; null without one. Valid until the next setRows.
+    const Recording* selected() const;
+
+    // What the cell shows; empty outside the table.
+    QString cellText(int row, int column) const;
+
+    int sizeHintForColumn(int column) const override;
 
 private:
-    QList<Recording> shown;
+    void resizeTo(int count);
+    void keepSelected(const QString& id);
+
+    QList<Recording> rows;
 };
 
 } // namespace qn

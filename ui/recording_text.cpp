@@ -1,48 +1,51 @@
 #include "ui/recording_text.h"
 
-#include "core/date_time.h"
-
+#include <QHash>
 #include <QJsonDocument>
-#include <QJsonObject>
 
 namespace qn {
 
 using namespace Qt::StringLiterals;
 
-QString dateTimeText(const QDateTime& time, const QString& timezone) {
-    if (!time.isValid())
-        return u"—"_s;
-    return time.toTimeZone(recordingZone(timezone)).toString(u"dd.MM.yyyy HH:mm:ss t"_s);
+namespace {
+
+QString dateTimeText(const QDateTime& instant, const QTimeZone& zone) {
+    return instant.isValid() ? instant.toTimeZone(zone).toString(u"dd.MM.yyyy HH:mm:ss t"_s)
+                             : u"—"_s;
+}
+
+QString eventLine(const QJsonObject& event, const QTimeZone& zone) {
+    const QByteArray details =
+        QJsonDocument(event["details"_L1].toObject()).toJson(QJsonDocument::Compact);
+    return u'\n' + dateTimeText(fromIsoText(event["at"_L1].toString()), zone) + u" · "_s +
+           event["kind"_L1].toString() + u" · "_s + QString::fromUtf8(details);
+}
+
+} // namespace
+
+QString dateTimeText(const QDateTime& instant, const QString& timezone) {
+    return instant.isValid() ? dateTimeText(instant, recordingZone(timezone)) : u"—"_s;
 }
 
 QString statusText(const QString& status) {
-    if (status == "ready"_L1)
-        return u"Готово"_s;
-    if (status == "recording"_L1)
-        return u"Запись"_s;
-    if (status == "paused"_L1)
-        return u"Пауза"_s;
-    if (status == "interrupted"_L1)
-        return u"Нуждается в восстановлении"_s;
-    if (status == "failed"_L1)
-        return u"Ошибка"_s;
-    return u"Подготовка"_s;
+    static const QHash<QString, QString> names{
+        {u"ready"_s, u"Готово"_s},  {u"recording"_s, u"Запись"_s},
+        {u"paused"_s, u"Пауза"_s},  {u"interrupted"_s, u"Нуждается в восстановлении"_s},
+        {u"failed"_s, u"Ошибка"_s},
+    };
+    return names.value(status, u"Подготовка"_s);
 }
 
 QString detailsText(const Recording& recording, const QJsonArray& events) {
+    const QTimeZone zone = recordingZone(recording.timezone);
+    // One multi-argument call: a "%1" in a path stays as it is.
     QString text = u"Начало: %1   Окончание: %2\nФайл: %3"_s.arg(
-        dateTimeText(recording.started, recording.timezone),
-        dateTimeText(recording.ended, recording.timezone), recording.path);
-    if (recording.details.contains("error"_L1))
-        text += u"\nОшибка: "_s + recording.details.value("error"_L1).toString();
-    for (const QJsonValue& value : events) {
-        const QJsonObject event = value.toObject();
-        const QJsonDocument details(event.value("details"_L1).toObject());
-        text += u'\n' +
-                dateTimeText(fromIsoText(event.value("at"_L1).toString()), recording.timezone) +
-                u" · "_s + event.value("kind"_L1).toString() + u" · "_s +
-                QString::fromUtf8(details.toJson(QJsonDocument::Compact));
-    }
+        dateTimeText(recording.started, zone), dateTimeText(recording.ended, zone), recording.path);
+    const auto error = recording.details.constFind("error"_L1);
+    if (error != recording.details.constEnd())
+        text += u"\nОшибка: "_s + error->toString();
+    for (const QJsonValue& event : events)
+        text += eventLine(event.toObject(), zone);
     return text;
 }
 

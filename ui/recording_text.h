@@ -1,20 +1,20 @@
 #pragma once
 
+#include "core/date_time.h"
 #include "core/recording.h"
 
-#include <QDateTime>
 #include <QJsonArray>
 #include <QString>
 
 namespace qn {
 
-// "dd.MM.yyyy HH:mm:ss t" in the recording's zone, "—" for an invalid time.
-QString dateTimeText(const QDateTime& time, const QString& timezone);
+// "dd.MM.yyyy HH:mm:ss" and the abbreviation, in that zone or the system's; "—" when invalid.
+QString dateTimeText(const QDateTime& instant, const QString& timezone);
 
-// A stored status word as the user reads it.
+// The name shown for a stored status.
 QString statusText(const QString& status);
 
-// What the details pane shows: times, file, error and journal.
+// Times, file, error and journal of a recording, one line each.
 QString detailsText(const Recording& recording, const QJsonArray& events);
 
 } // namespace qn
