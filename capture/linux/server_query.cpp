@@ -28,23 +28,22 @@ void ServerQuery::takeServer(pa_context*, const pa_server_info* info, void* quer
 }
 
 void ServerQuery::takeSink(pa_context*, const pa_sink_info* info, int end, void* query) {
-    take(query, info, end, [](ServerSnapshot& snapshot, const pa_sink_info& sink) {
-        snapshot.sinks.append(
+    take(query, info, end, [](ServerSnapshot& lists, const pa_sink_info& sink) {
+        lists.sinks.append(
             {sink.index, QString::fromUtf8(sink.name), QString::fromUtf8(sink.description),
              QByteArray(sink.monitor_source_name), sink.sample_spec, sink.channel_map});
     });
 }
 
 void ServerQuery::takeClient(pa_context*, const pa_client_info* info, int end, void* query) {
-    take(query, info, end, [](ServerSnapshot& snapshot, const pa_client_info& client) {
-        snapshot.clients.insert(client.index, programFacts(client.proplist));
+    take(query, info, end, [](ServerSnapshot& lists, const pa_client_info& client) {
+        lists.clients.insert(client.index, programFacts(client.proplist));
     });
 }
 
 void ServerQuery::takeInput(pa_context*, const pa_sink_input_info* info, int end, void* query) {
-    take(query, info, end, [](ServerSnapshot& snapshot, const pa_sink_input_info& input) {
-        snapshot.inputs.append(
-            {input.index, input.sink, input.client, programFacts(input.proplist)});
+    take(query, info, end, [](ServerSnapshot& lists, const pa_sink_input_info& input) {
+        lists.inputs.append({input.index, input.sink, input.client, programFacts(input.proplist)});
     });
 }
 
