@@ -1,0 +1,119 @@
+#include "ui/peak_accumulator.h"
+#include "ui/waveform_timeline.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <csignal>
+#include <limits>
+#include <memory>
+
+using namespace qn;
+using namespace Qt::StringLiterals;
+
+class WaveformTimelineTest : public QObject {
+    Q_OBJECT
+
+    const QTemporaryDir folder;
+
+private Q_SLOTS:
+    void initTestCase() { QDir::setCurrent(folder.path()); }
+
+    void peaksAreTheLoudestFiniteSamples() {
+        PeakAccumulator accumulator;
+        QList<float> samples(480 * 3 + 7, 0.0F);
+        samples[5] = -0.5F;
+        samples[6] = std::numeric_limits<float>::infinity();
+        samples[481] = 3.0F;
+        samples[482] = std::numeric_limits<float>::quiet_NaN();
+        samples.last() = 0.25F;
+        for (qsizetype i = 0; i < samples.size(); i += 241)
+            accumulator.add(&samples[i], std::min<qsizetype>(241, samples.size() - i));
+        QCOMPARE(accumulator.finish(), (QList{0.5F, 1.0F, 0.0F, 0.25F}));
+
+        PeakAccumulator full;
+        for (int i = 0; i < 100002; ++i)
+            full.add(QList<float>(480, float(i) / 200000).constData(), 480);
+        const QList<float> peaks = full.finish();
+        QVERIFY(peaks.size() == 50001 && peaks[1] == 3.0F / 200000 &&
+                peaks.last() == 100001.0F / 200000);
+    }
+
+    void aFileIsDecodedAndDrawn() {
+        const QString tone =
+            u"-v error -f lavfi -i sine=d=1:r=48000,volume=8*gte(t\\,0.5):eval=frame tone.wav"_s;
+        QProcess::execute(u"ffmpeg"_s, tone.split(u' '));
+        WaveformTimeline timeline;
+        QPalette palette(Qt::white);
+        palette.setColor(QPalette::Highlight, Qt::red);
+        palette.setColor(QPalette::Mid, Qt::green);
+        timeline.setPalette(palette);
+        timeline.resize(1024, 124);
+        QSignalSpy ready(&timeline, &WaveformTimeline::waveformReady);
+        timeline.setAudioFile(u"tone.wav"_s);
+        QVERIFY(ready.wait() && ready.first().first().toBool());
+        const auto pixel = [&](int x, int y) { return timeline.grab().toImage().pixelColor(x, y); };
+        // Silence, the tone, and above the tone.
+        QVERIFY(pixel(100, 40) == Qt::white && pixel(900, 40) == Qt::green &&
+                pixel(900, 14) == Qt::white);
+        timeline.setRange(0, 1000);
+        timeline.setValue(950);
+        QCOMPARE(pixel(900, 40), QColor(Qt::red));
+        timeline.setAudioFile(u"pipe:"_s);
+        QVERIFY(ready.wait() && !ready.last().first().toBool());
+    }
+
+    void anotherFileOrTheEndStopsTheDecoder() {
+        auto timeline = std::make_unique<WaveformTimeline>();
+        QSignalSpy ready(timeline.get(), &WaveformTimeline::waveformReady);
+        timeline->setAudioFile(u"tone.wav"_s);
+        timeline->findChild<QThread*>()->wait(); // its result is queued, and too late
+        for (const QByteArray script :
+             {"exec cat /dev/zero >&2", "exec sleep 60", "exec cat /dev/zero"}) {
+            QFile tool(u"tool"_s), pid(u"pid"_s);
+            QVERIFY(tool.open(QIODevice::WriteOnly) &&
+                    tool.write("#!/bin/sh\necho $$ >pid\n" + script) > 0);
+            tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            tool.close();
+            qputenv("QUORLIN_FFMPEG", "./tool");
+            timeline->setAudioFile(QString::fromLatin1(script));
+            QTRY_VERIFY(pid.size() > 0);
+            QVERIFY(pid.open(QIODevice::ReadOnly));
+            const int process = pid.readLine().trimmed().toInt();
+            pid.remove();
+            QElapsedTimer timer;
+            timer.start();
+            if (script.endsWith("zero"))
+                timeline.reset();
+            else
+                timeline->setAudioFile({});
+            QVERIFY(timer.elapsed() < (timeline ? 50 : 1000));
+            QTRY_VERIFY_WITH_TIMEOUT(kill(process, 0) != 0, 1000);
+        }
+        qunsetenv("QUORLIN_FFMPEG");
+        QVERIFY(ready.isEmpty());
+    }
+
+    void clicksAndDragsSeekOnce() {
+        WaveformTimeline timeline;
+        timeline.resize(1024, 76);
+        QSignalSpy changed(&timeline, &QSlider::valueChanged);
+        timeline.setRange(0, 100000);
+        QTest::mousePress(&timeline, Qt::LeftButton, {}, {512, 30});
+        QCOMPARE(timeline.sliderPosition(), 50000);
+        QTest::mouseMove(&timeline, {262, 30});
+        QVERIFY(timeline.sliderPosition() == 25000 && changed.isEmpty());
+        QTest::mouseRelease(&timeline, Qt::LeftButton, {}, {1020, 30});
+        QCOMPARE(changed, (QList<QVariantList>{{100000}}));
+        QTest::mouseClick(&timeline, Qt::LeftButton, {}, {5, 30});
+        QCOMPARE(timeline.value(), 0);
+    }
+};
+
+QTEST_MAIN(WaveformTimelineTest)
+#include "waveform_timeline_test.moc"
