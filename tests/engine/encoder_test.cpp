@@ -102,7 +102,7 @@ private Q_SLOTS:
     }
 
     void refusesToQueueMoreThanTenSeconds() {
-        useTool("exec sleep 60");
+        useTool("trap '' TERM; exec sleep 60");
         qn::Encoder encoder;
         const QSignalSpy failed(&encoder, &qn::Encoder::failed);
         QVERIFY(start(encoder) && encoder.write(tone(10), error) && encoder.write(tone(1), error));
