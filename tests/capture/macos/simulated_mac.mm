@@ -13,7 +13,6 @@
 #include <mutex>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -81,19 +80,18 @@ bool SimulatedMac::isClean() const {
 
 bool deliver(const QList<SimulatedMac::Buffer>& buffers, const AudioTimeStamp* inputTime) {
     const std::lock_guard lock(ioMutex);
-    std::vector<std::vector<char>> exact; // to the byte, so that a sanitizer sees every overrun
-    std::vector<char> memory(sizeof(AudioBufferList) + size_t(buffers.size()) * sizeof(AudioBuffer));
-    auto* input = reinterpret_cast<AudioBufferList*>(memory.data());
-    for (const auto& [channels, bytes, byteSize] : buffers) {
-        exact.emplace_back(bytes.begin(), bytes.end());
-        (&input->mBuffers[0])[input->mNumberBuffers++] = {
-            channels, byteSize.value_or(static_cast<UInt32>(bytes.size())),
-            bytes.isNull() ? nullptr : exact.back().data()};
-    }
+    struct {
+        UInt32 count = 0;
+        AudioBuffer buffers[40];
+    } list;
+    for (const auto& [channels, bytes, byteSize] : buffers)
+        list.buffers[list.count++] = {channels,
+                                      byteSize.value_or(static_cast<UInt32>(bytes.size())),
+                                      bytes.isNull() ? nullptr : const_cast<char*>(bytes.data())};
+    const auto* input = buffers.isEmpty() ? nullptr : reinterpret_cast<AudioBufferList*>(&list);
     if (mac().running)
-        std::thread(mac().ioProcedure, mac().ioDevice, inputTime,
-                    buffers.isEmpty() ? nullptr : input, inputTime, nullptr, nullptr,
-                    mac().ioClientData)
+        std::thread(mac().ioProcedure, mac().ioDevice, inputTime, input, inputTime, nullptr,
+                    nullptr, mac().ioClientData)
             .join();
     return mac().running;
 }
@@ -138,7 +136,8 @@ OSStatus AudioHardwareDestroyProcessTap(AudioObjectID tap) {
 }
 
 OSStatus AudioHardwareCreateAggregateDevice(CFDictionaryRef description, AudioObjectID* device) {
-    return create(__func__, reinterpret_cast<NSDictionary*>(description), mac().aggregate, 'a', device);
+    return create(__func__, reinterpret_cast<NSDictionary*>(description), mac().aggregate, 'a',
+                  device);
 }
 
 OSStatus AudioHardwareDestroyAggregateDevice(AudioObjectID device) {
@@ -184,18 +183,17 @@ UInt64 AudioConvertHostTimeToNanos(UInt64 ticks) {
 }
 
 @implementation CATapDescription
-- (instancetype)initWithFacts:(NSDictionary*)start {
-    ++mac().tapDescriptions;
-    facts = [start mutableCopy];
-    return self;
-}
 - (instancetype)initExcludingProcesses:(NSArray*)excluded
                           andDeviceUID:(NSString*)uid
                             withStream:(NSInteger)index {
-    return [self initWithFacts:@{@"excluded" : excluded, @"device" : uid, @"stream" : @(index)}];
+    self = [self initStereoMixdownOfProcesses:excluded];
+    [facts addEntriesFromDictionary:@{@"excludes" : @1, @"device" : uid, @"stream" : @(index)}];
+    return self;
 }
 - (instancetype)initStereoMixdownOfProcesses:(NSArray*)included {
-    return [self initWithFacts:@{@"mixdown" : included}];
+    ++mac().tapDescriptions;
+    facts = [@{@"processes" : included} mutableCopy];
+    return self;
 }
 - (void)setName:(NSString*)text {
     [facts setObject:text forKey:@"name"];
