@@ -2,7 +2,6 @@
 #include "engine/recorder_worker.h"
 #include "tests/support/fake_backend.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
@@ -23,7 +22,7 @@ struct Session {
     Session() {
         settings.microphoneEnabled = false;
         settings.format = AudioFormat::Wav;
-        tone.callOnTimeout([] { playTone(20); });
+        tone.callOnTimeout([] { playTone(); });
         tone.start(20);
     }
 

@@ -1,5 +1,6 @@
 #include "tests/support/fake_backend.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -52,11 +53,13 @@ FakePlatform& FakePlatform::instance() {
     return platform;
 }
 
-void playTone(qint64 ms) {
-    AudioBlock block;
+void playTone() {
+    static qint64 end = 0; // of the tone so far, as the steady clock counts
     const std::chrono::nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();
-    block.timestampNs = now.count() - ms * 1'000'000;
-    for (qint64 i = 0; i < ms * 48; ++i)
+    AudioBlock block;
+    block.timestampNs = std::max(end, now.count() - 1'000'000'000);
+    end = now.count();
+    for (qint64 i = 0; i < (end - block.timestampNs) * 48 / 1'000'000; ++i)
         block.samples.append(0.5F * std::sin(0.06F * static_cast<float>(i)));
     for (FakeBackend* backend : FakeBackend::backends()) {
         if (backend->capturing)

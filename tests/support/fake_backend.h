@@ -23,8 +23,8 @@ struct FakePlatform {
     static FakePlatform& instance();
 };
 
-// Emits a block of a steady tone that ends now, on every capturing backend.
-void playTone(qint64 ms);
+// Emits what a tone has played since the last call (1 s at most) on every capturing backend.
+void playTone();
 void breakDown(const QString& message);
 
 } // namespace qn::testing

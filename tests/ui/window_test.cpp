@@ -70,7 +70,6 @@ class WindowTest : public QObject {
 
     QList<Answer> answers;
     QTimer answering;
-    QTimer tone;
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<Window> window;
 
@@ -109,7 +108,6 @@ private Q_SLOTS:
     void initTestCase() {
         QCoreApplication::setOrganizationName(u"Quorlin"_s);
         QCoreApplication::setApplicationName(u"Quorlin"_s);
-        tone.callOnTimeout([] { playTone(20); });
         answering.callOnTimeout([this] {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
             if (dialog && !answers.isEmpty())
