@@ -2,7 +2,7 @@
 """Runs every benchmark and prints one table, each figure beside its yardstick.
 
 run.py BUILD_FOLDER [WORD...]: with words, only the groups whose name holds one of them.
-QUORLIN_BENCH_SECONDS=3600 records that long for the processor and memory figures (default 60).
+QUORLIN_BENCH_SECONDS=600 records that long in each whole-program benchmark (default 60).
 """
 
 import json
@@ -12,6 +12,7 @@ import subprocess
 import sys
 from pathlib import Path
 
+import sync
 import whole_program
 from row import Row
 
@@ -23,6 +24,11 @@ PAIRS = {
          "per_sample", 1.25),
         ("mixer, both inputs 48 kHz mono, per sample",
          "mixer/both_48k_mono", "leastWork/both_48k_mono", "per_sample", 2.0),
+    ],
+    "catalog_benchmark": [
+        (f"catalog() with 6 streams, {server}",
+         f"catalog/{server}/real_time", f"bareQuery/{server}/real_time", None, 2.0)
+        for server in ("PulseAudio", "PipeWire")
     ],
 }
 
@@ -85,6 +91,8 @@ def main():
         ("meters", lambda: whole_program.meters(build)),
         ("first picture", lambda: whole_program.first_picture(build)),
         ("recording", lambda: whole_program.recording(build, seconds)),
+        ("sync pulseaudio", lambda: sync.in_step(build, "pulseaudio", seconds)),
+        ("sync pipewire", lambda: sync.in_step(build, "pipewire", seconds)),
     ]
     print(Row.heading(), flush=True)
     missed, failed = 0, []
