@@ -28,6 +28,7 @@ class LibraryTest : public QObject {
     }
     // The first value that a statement gives on a connection of its own.
     QString raw(const QString& sql) const {
+        QSqlDatabase::removeDatabase(u"raw"_s);
         QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"raw"_s);
         db.setDatabaseName(path);
         db.open();
