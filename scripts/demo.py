@@ -20,6 +20,9 @@ from find_voices import report
 from headless import Headless, ProgramWindow, wait_for, write_settings
 
 
+TITLE = "Поставка в четверг"
+
+
 def rows(library):
     """[(title, status, path, duration in ms)] of the program's library."""
     with closing(sqlite3.connect(f"file:{library}?mode=ro", uri=True)) as database:
@@ -45,6 +48,8 @@ def record(place, program, call, out):
     library = out / "library" / "library.sqlite3"
     window = ProgramWindow(place, program, "--data-dir", library.parent)
     window.picture(out / "1-ready.png")
+    window.press("Tab")
+    window.type(TITLE)
     window.press("ctrl+r")
     wait_for("the recording to begin",
              lambda: [row for row in rows(library) if row[1] == "recording"])

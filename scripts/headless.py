@@ -9,15 +9,20 @@ import tempfile
 import time
 from pathlib import Path
 
-SINKS = [
-    # What a call plays. Without rewinds the sink renders 50 ms ahead instead of seconds.
-    "module-null-sink sink_name=speakers norewinds=1 rate=48000"
-    " sink_properties=device.description=Speakers",
-    # A microphone that hears what is played into "voice".
-    "module-null-sink sink_name=voice rate=48000",
-    "module-remap-source master=voice.monitor source_name=microphone"
-    " source_properties=device.description=Microphone",
-]
+def sound_modules(echo):
+    """What the sound server loads: speakers, and a microphone that hears what is played into
+    "voice" or, for an echo, into the speakers."""
+    # Without rewinds the sink renders 50 ms ahead instead of seconds. A microphone gets its
+    # blocks more steadily from a sink that does rewind.
+    rewinds = "" if echo else " norewinds=1"
+    heard = "speakers" if echo else "voice"
+    return [
+        f"module-null-sink sink_name=speakers rate=48000{rewinds}"
+        " sink_properties=device.description=Speakers",
+        "module-null-sink sink_name=voice rate=48000",
+        f"module-remap-source master={heard}.monitor source_name=microphone"
+        " source_properties=device.description=Microphone",
+    ]
 
 
 def wait_for(what, condition, seconds=10):
@@ -35,8 +40,9 @@ def wait_for(what, condition, seconds=10):
 class Headless:
     """Context manager; everything it started is gone when it is left, also by a signal."""
 
-    def __init__(self, server="pulseaudio", screen="1140x850"):
+    def __init__(self, server="pulseaudio", screen="1140x850", echo=False):
         self.server = server
+        self.modules = sound_modules(echo)
         self.screen = screen
         self.processes = []
 
@@ -114,8 +120,8 @@ class Headless:
             self.spawn("pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
                        "-L", "module-native-protocol-unix")
         wait_for("the sound server", lambda: self._pactl("info").returncode == 0)
-        for sink in SINKS:
-            self.run("pactl", "load-module", *sink.split())
+        for module in self.modules:
+            self.run("pactl", "load-module", *module.split())
         self.run("pactl", "set-default-sink", "speakers")
         self.run("pactl", "set-default-source", "microphone")
         wait_for("the default devices",

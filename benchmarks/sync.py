@@ -1,0 +1,75 @@
+"""How well both sides stay in step: the microphone hears just what the speakers play."""
+
+import sys
+import time
+import wave
+from pathlib import Path
+
+import numpy as np
+
+from row import Row
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "scripts"))
+# pylint: disable=wrong-import-position
+from demo_call import RATE, decode
+from headless import Headless, ProgramWindow, wait_for, write_settings
+
+PIECE = RATE // 2
+STEP = 2 * RATE
+
+
+def strongest(match, away_from=None):
+    """The place of the highest peak, at least 0.3 ms away from another."""
+    match = match.copy()
+    if away_from is not None:
+        match[max(0, away_from - 14):away_from + 15] = 0
+    return int(np.argmax(match))
+
+
+def places(recording, noise, lead):
+    """For a piece of every other second: seconds by which each side stands later than played."""
+    reach = RATE // 2
+    result = []
+    for at in range(2 * RATE, len(noise) - 2 * RATE, STEP):
+        first = at + round(lead * RATE) - reach
+        part = recording[first:first + 2 * reach + PIECE].astype(np.float64)
+        size = 1 << (len(part) + PIECE).bit_length()
+        match = np.fft.irfft(np.fft.rfft(part, size) *
+                             np.conj(np.fft.rfft(noise[at:at + PIECE], size)), size)[:2 * reach]
+        far = strongest(match)  # the microphone is turned down
+        near = strongest(match, far)
+        result.append(((first + far - at) / RATE, (first + near - at) / RATE))
+    return np.array(result)
+
+
+def in_step(build, server, seconds):
+    """Records noise that reaches both inputs from one player; rows of offset and shifts."""
+    noise = np.random.default_rng(1).normal(0, 0.1, seconds * RATE)
+    with Headless(server, echo=True) as place:
+        recordings = place.folder / "recordings"
+        write_settings(place, recordings, "wav")
+        place.run("pactl", "set-source-volume", "microphone", "80%")
+        with wave.open(str(place.folder / "noise.wav"), "wb") as file:
+            file.setparams((1, 2, RATE, 0, "NONE", ""))
+            file.writeframes((noise * 32767).astype("<i2").tobytes())
+        window = ProgramWindow(place, build / "app" / "quorlin", "--data-dir", place.folder / "d")
+        window.press("ctrl+r")
+        wait_for("the recording", lambda: list(recordings.glob("*.part")))
+        began = time.monotonic()
+        time.sleep(2)
+        lead = time.monotonic() - began
+        place.env["PULSE_LATENCY_MSEC"] = "60"  # as a call program asks for
+        player = place.spawn("paplay", "--device=speakers", place.folder / "noise.wav")
+        player.wait(seconds + 20)
+        window.press("ctrl+period")
+        file, = wait_for("the file", lambda: list(recordings.glob("*.wav")), 30)
+        recording = decode("-i", file)
+        window.quit()
+    far, near = places(recording, noise, lead).T * 1000
+    offset = near - far
+    spread = np.ptp(offset)
+    yield Row(f"{server}: microphone after the far side, {seconds} s", f"{np.median(offset):.1f} ms",
+              value=abs(np.median(offset)), limit=30, is_ratio=False)
+    yield Row("  spread of that", f"{spread:.2f} ms", value=spread, limit=2, is_ratio=False)
+    yield Row("  largest shift of the far side against the player", f"{np.ptp(far):.2f} ms",
+              value=np.ptp(far), limit=2, is_ratio=False)
