@@ -144,7 +144,7 @@ void RecorderWorker::closeMicrophone() {
         microphone->stop();
         microphone.reset();
     }
-    microphoneDevice = nullptr;
+    microphoneDevice.clear();
     microphoneId.clear();
     microphoneBuffer.clear();
 }

@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QJsonObject>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <chrono>
@@ -93,7 +94,7 @@ private:
     std::unique_ptr<CaptureBackend> backend;
     std::unique_ptr<QAudioSource> microphone;
     std::unique_ptr<Encoder> encoder;
-    QIODevice* microphoneDevice = nullptr; // the open microphone's
+    QPointer<QIODevice> microphoneDevice; // the open microphone's, which may delete it on failure
     QAudioFormat microphoneFormat;
     QTimer* timer = nullptr;
     TimelineMixer mixer;
