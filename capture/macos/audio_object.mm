@@ -22,7 +22,7 @@ bool readProperty(AudioObjectID object, AudioObjectPropertySelector selector, vo
 
 OwnedString readString(AudioObjectID object, AudioObjectPropertySelector selector) {
     CFStringRef string = nullptr;
-    const bool available = readProperty(object, selector, &string, sizeof string);
+    const bool available = readProperty(object, selector, &string, sizeof(CFStringRef));
     return OwnedString(available ? string : nullptr);
 }
 

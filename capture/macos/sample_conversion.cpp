@@ -68,11 +68,10 @@ void convertAny(const PcmBuffer& buffer, const PcmFormat& format, const Destinat
 
 qint64 frameCount(std::span<const PcmBuffer> buffers, const PcmFormat& format) {
     const qint64 bytesPerSample = format.bitsPerChannel / 8;
-    const auto first = std::find_if(buffers.begin(), buffers.end(),
-                                    [](const PcmBuffer& buffer) { return buffer.channels != 0; });
-    if (bytesPerSample == 0 || first == buffers.end())
+    if (bytesPerSample == 0 || buffers.empty())
         return 0;
-    const qint64 frames = first->byteSize / (first->channels * bytesPerSample);
+    const PcmBuffer& first = buffers.front();
+    const qint64 frames = first.byteSize / (first.channels * bytesPerSample);
     return frames * format.channels <= kMaxSamples ? frames : 0;
 }
 

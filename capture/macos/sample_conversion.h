@@ -17,12 +17,12 @@ struct PcmFormat {
 
 // One buffer of a capture cycle: interleaved frames of its own channels.
 struct PcmBuffer {
-    quint32 channels = 0;
+    quint32 channels = 0; // at least 1 in what the functions below get
     quint32 byteSize = 0;
     const void* data = nullptr; // null is silence
 };
 
-// Frames of a cycle, by its first buffer that has channels; 0 when there are none to convert.
+// Frames of a cycle, by its first buffer; 0 when there are none to convert.
 qint64 frameCount(std::span<const PcmBuffer> buffers, const PcmFormat& format);
 
 // The cycle as interleaved floats of full scale +-1.0, `format.channels` values per frame. The

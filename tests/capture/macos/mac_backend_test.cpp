@@ -82,7 +82,7 @@ private Q_SLOTS:
 
     void theCatalogueHoldsOutputDevicesAndRegularApplications() {
         auto& properties = mac().properties;
-        properties[{1, u"dev#"_s}] = ids({7, 8, 9, 10, 11, 12, 13});
+        properties[{1, u"dev#"_s}] = ids({7, 8, 9, 10, 12, 11, 13});
         for (AudioObjectID id = 8; id <= 13; ++id) // device 7 has no output stream
             properties[{id, u"stm#"_s}] = ids({id + 100, id + 200});
         properties[{7, u"uid "_s}] = u"microphone"_s;
@@ -101,7 +101,7 @@ private Q_SLOTS:
         QStringList lines = {catalog.defaultOutput};
         for (const auto& entry : catalog.outputs + catalog.applications)
             lines.append(entry.id + u'|' + entry.name);
-        QCOMPARE(lines, QStringList({u"built-in"_s, u"nameless|"_s, u"built-in|Динамики 🎧"_s,
+        QCOMPARE(lines, QStringList({u"built-in"_s, u"built-in|Динамики 🎧"_s, u"nameless|"_s,
                                      u"a.b|Звонки"_s, u"c.d|c.d"_s}));
     }
 
@@ -200,7 +200,8 @@ private Q_SLOTS:
             {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {1, bytes({3.0F})}}, {1, 3, 2, 0}},
             {1, 32, 3, {{2, {}, 16}, {1, bytes({1.0F, 2.0F})}}, {0, 0, 1, 0, 0, 2}},
             {1, 32, 3, {{2, stereo}}, {0.5F, -0.5F, 0, 0.25F, -0.25F, 0}},
-            {1, 32, 1, {{2, stereo}, {2, stereo}}, {0.5F, 0.25F}},
+            {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {2, stereo}}, {1, 0.5F, 2, 0.25F}},
+            {1, 32, 1, Buffers(40, {1, bytes({1.0F})}), {1}},
             {1, 32, 2, {{2, stereo.left(15)}}, {0.5F, -0.5F}},
             {1, 32, 2, {{1, stereo.left(4)}, {all, {}, all}}, {0.5F, 0}},
             {1, 32, 2, {{0, stereo}, {0, stereo}}, {}},
