@@ -44,7 +44,7 @@ def play(place, call):
 
 
 def record(place, program, call, out):
-    """Returns (path, status, duration in ms, seconds from recording to call)."""
+    """Returns (the library's row, seconds from recording to call)."""
     library = out / "library" / "library.sqlite3"
     window = ProgramWindow(place, program, "--data-dir", library.parent)
     window.picture(out / "1-ready.png")
@@ -68,14 +68,14 @@ def record(place, program, call, out):
     if any(player.wait(10) for player in players):
         raise RuntimeError("the call could not be played: " + place.log())
     window.press("ctrl+period")
-    title, status, path, duration = wait_for(
+    row = wait_for(
         "the file to be saved",
         lambda: rows(library)[0] if rows(library)[0][1] in ("ready", "failed") else None, 30)
     time.sleep(1)  # for the waveform
     window.picture(out / "4-saved.png")
     if window.quit() != 0:
         raise RuntimeError("the program did not end cleanly: " + place.log())
-    return path, status, duration, start - began
+    return row, start - began
 
 
 def main():
@@ -88,7 +88,7 @@ def main():
     call = make_call(float(os.environ.get("QUORLIN_DEMO_MINUTES", "0")))
     with Headless(server) as place:
         write_settings(place, out / "recordings", audio_format)
-        path, status, duration, lead = record(place, program, call, out)
+        (title, status, path, duration), lead = record(place, program, call, out)
     text, good = report(path, call, lead)
     for line in text:
         print("  " + line)
@@ -96,8 +96,8 @@ def main():
         ["ffprobe", "-v", "error", "-show_entries", "stream=codec_name,sample_rate,channels",
          "-of", "csv=p=0", path], capture_output=True, text=True, check=True).stdout.strip()
     print(f"{'Both sides are' if good else 'NOT both sides are'} in the file: "
-          f"{duration / 1000:.1f} s of {stream}, status \"{status}\". See {out}")
-    return 0 if good and status == "ready" else 1
+          f"\"{title}\", {duration / 1000:.1f} s of {stream}, status \"{status}\". See {out}")
+    return 0 if good and title == TITLE and status == "ready" else 1
 
 
 if __name__ == "__main__":

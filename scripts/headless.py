@@ -169,7 +169,10 @@ class ProgramWindow:
         self.place.run("xdotool", "mousemove", x, y, "click", 1)
 
     def type(self, text):
-        self.place.run("xdotool", "type", "--delay", 20, text)
+        """Types Russian text; characters that the keyboard lacks would come out in part."""
+        self.place.run("setxkbmap", "ru")
+        self.place.run("xdotool", "type", "--delay", 30, text)
+        self.place.run("setxkbmap", "us")
 
     def picture(self, path):
         self.place.run("ffmpeg", "-v", "error", "-f", "x11grab", "-draw_mouse", 0,
