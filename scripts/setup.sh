@@ -13,8 +13,8 @@ package_list() {
         python3 ;;
     Linux-clang) echo clang libclang-rt-dev ;;
     Linux-bench) echo libbenchmark-dev libsqlite3-dev ;;
-    Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg ;;
-    Darwin-test) echo shellcheck librsvg ;;
+    Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg librsvg ;;
+    Darwin-test) echo shellcheck ;;
     esac
 }
 
