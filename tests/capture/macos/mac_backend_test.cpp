@@ -8,7 +8,6 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -285,22 +284,16 @@ private Q_SLOTS:
                 deliver({{1, {reinterpret_cast<char*>(cycle), sizeof cycle}}}, &stamp);
             }
         });
-        QThread thread;
         RecorderWorker worker;
-        worker.moveToThread(&thread);
-        thread.start();
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"call.wav"_s);
         const Settings settings = {0, {}, false, {}, AudioFormat::Wav, {}};
         QSignalSpy progress(&worker, &RecorderWorker::progress);
         QSignalSpy completed(&worker, &RecorderWorker::completed);
-        QMetaObject::invokeMethod(&worker, [&] { worker.begin(settings, path + u".part"_s); });
+        worker.begin(settings, path + u".part"_s);
         QTRY_COMPARE(progress.count(), 2);
-        QMetaObject::invokeMethod(&worker, &RecorderWorker::stop);
-        QTRY_COMPARE(completed.count(), 1);
-        thread.quit();
-        thread.wait();
-        QCOMPARE(completed[0].value(2).toString(), QString());
+        worker.stop();
+        QCOMPARE(completed.value(0).value(2), QVariant(QString()));
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray wave = file.readAll();
