@@ -17,8 +17,9 @@ constexpr qint64 kStartUpNs = 40 * kMillisecond;
 // A packet later than this would miss the recording anyway.
 constexpr qint64 kLostNs = 250 * kMillisecond;
 
-// How often the origin follows a device that is slower than the steady clock.
-constexpr qint64 kPeriodNs = 1000 * kMillisecond;
+// How often the times follow a device that is slower than the steady clock, or has lost a cycle;
+// longer than a stall, so that a stall does not count.
+constexpr qint64 kPeriodNs = 500 * kMillisecond;
 
 } // namespace
 
