@@ -12,6 +12,7 @@
 #include <QVariant>
 
 #include <stdexcept>
+#include <utility>
 
 namespace qn {
 
@@ -159,6 +160,7 @@ void Library::close() {
 }
 
 void Library::insert(const Recording& r) {
+    isKnown = false;
     run(db,
         u"INSERT INTO recordings(id,title,path,format,timezone,started,ended,duration_ms,status,"
         u"details) VALUES(?,?,?,?,?,?,?,?,?,?)"_s,
@@ -168,6 +170,7 @@ void Library::insert(const Recording& r) {
 }
 
 void Library::update(const Recording& r) {
+    isKnown = false;
     run(db,
         u"UPDATE recordings SET path=?,started=?,ended=?,duration_ms=?,status=?,details=? "
         u"WHERE id=?"_s,
@@ -176,41 +179,59 @@ void Library::update(const Recording& r) {
 }
 
 QList<Recording> Library::list(const QString& search, const QDate& date) const {
-    QSqlQuery query = run(db, u"SELECT id,title,path,format,timezone,started,ended,duration_ms,"
-                              u"status,details FROM recordings ORDER BY started DESC"_s);
+    readChanges();
     QList<Recording> found;
-    WordReader formats;
-    WordReader zones;
-    WordReader statuses;
-    DetailsReader details;
     DayFilter filter(date);
-    while (next(query)) {
-        const QString title = query.value(1).toString();
-        if (!title.contains(search, Qt::CaseInsensitive))
-            continue;
-        const QString timezone = zones.read(query.value(4).toString());
-        const QDateTime started = fromIsoText(query.value(5).toString());
-        if (!filter.accepts(started, timezone))
-            continue;
-        found.append({.id = query.value(0).toString(),
-                      .title = title,
-                      .path = query.value(2).toString(),
-                      .format = formats.read(query.value(3).toString()),
-                      .timezone = timezone,
-                      .status = statuses.read(query.value(8).toString()),
-                      .started = started,
-                      .ended = fromIsoText(query.value(6).toString()),
-                      .durationMs = query.value(7).toLongLong(),
-                      .details = details.read(query.value(9).toString())});
+    for (const Recording& recording : std::as_const(known)) {
+        if (recording.title.contains(search, Qt::CaseInsensitive) &&
+            filter.accepts(recording.started, recording.timezone))
+            found.append(recording);
     }
     return found;
 }
 
+// Reads all rows when this connection or another has written since the last time, which a search
+// that is being typed need not wait for.
+void Library::readChanges() const {
+    QSqlQuery version = run(db, u"PRAGMA data_version"_s); // changes with others' writes only
+    const qint64 othersWrites = next(version) ? version.value(0).toLongLong() : 0;
+    if (isKnown && othersWrites == knownVersion)
+        return;
+    isKnown = false;
+    known = readAll();
+    knownVersion = othersWrites;
+    isKnown = true;
+}
+
+QList<Recording> Library::readAll() const {
+    QSqlQuery query = run(db, u"SELECT id,title,path,format,timezone,started,ended,duration_ms,"
+                              u"status,details FROM recordings ORDER BY started DESC"_s);
+    QList<Recording> rows;
+    WordReader formats;
+    WordReader zones;
+    WordReader statuses;
+    DetailsReader details;
+    while (next(query))
+        rows.append({.id = query.value(0).toString(),
+                     .title = query.value(1).toString(),
+                     .path = query.value(2).toString(),
+                     .format = formats.read(query.value(3).toString()),
+                     .timezone = zones.read(query.value(4).toString()),
+                     .status = statuses.read(query.value(8).toString()),
+                     .started = fromIsoText(query.value(5).toString()),
+                     .ended = fromIsoText(query.value(6).toString()),
+                     .durationMs = query.value(7).toLongLong(),
+                     .details = details.read(query.value(9).toString())});
+    return rows;
+}
+
 void Library::rename(const QString& id, const QString& title) {
+    isKnown = false;
     run(db, u"UPDATE recordings SET title=? WHERE id=?"_s, {title, id});
 }
 
 void Library::remove(const QString& id) {
+    isKnown = false;
     run(db, u"DELETE FROM recordings WHERE id=?"_s, {id});
 }
 
@@ -233,6 +254,7 @@ QJsonArray Library::events(const QString& recordingId) const {
 }
 
 void Library::markInterrupted() {
+    isKnown = false;
     run(db, u"UPDATE recordings SET status='interrupted' WHERE status IN "
             u"('starting','recording','paused','finalizing')"_s);
 }

@@ -48,8 +48,14 @@ private:
     void open(const QString& path);
     void close();
 
+    void readChanges() const;
+    QList<Recording> readAll() const;
+
     QSqlDatabase db;
     QString connectionName;
+    mutable QList<Recording> known; // all rows, newest first, as of knownVersion
+    mutable qint64 knownVersion = 0;
+    mutable bool isKnown = false; // nothing was written through this connection since
 };
 
 } // namespace qn
