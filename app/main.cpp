@@ -15,8 +15,8 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include <chrono>
 #include <exception>
-#include <memory>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -63,9 +63,9 @@ QString dataFolder(const QCommandLineParser& parser) {
 
 int runWindow(const QString& dataDirectory, bool smokeTest) {
     try {
+        const qn::TerminationSignals termination; // outlives the window, which may be saving
         qn::Window window(dataDirectory);
         window.show();
-        qn::TerminationSignals termination;
         QObject::connect(&termination, &qn::TerminationSignals::received, &window,
                          &qn::Window::saveAndClose);
         if (smokeTest)

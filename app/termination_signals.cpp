@@ -2,6 +2,7 @@
 
 #include <QSocketNotifier>
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -15,16 +16,22 @@ constexpr int kSignals[] = {SIGTERM, SIGINT, SIGHUP};
 int pipeEnds[2] = {-1, -1}; // the handler may do no more than write into it
 
 void notify(int) {
+    const int interrupted = errno;
     const char byte = 0;
     [[maybe_unused]] const auto written = write(pipeEnds[1], &byte, 1);
+    errno = interrupted;
 }
 
 void handleSignals(void (*handler)(int)) {
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int number : kSignals)
-        sigaction(number, &action, nullptr);
+    for (const int number : kSignals) {
+        struct sigaction inherited = {};
+        // What whoever started the program wants ignored, as nohup does, stays ignored.
+        if (sigaction(number, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN)
+            sigaction(number, &action, nullptr);
+    }
 }
 
 } // namespace
@@ -47,8 +54,10 @@ TerminationSignals::TerminationSignals() {
 TerminationSignals::~TerminationSignals() {
     handleSignals(SIG_DFL);
     delete notifier;
-    for (int& end : pipeEnds)
-        close(end), end = -1;
+    for (int& end : pipeEnds) {
+        close(end);
+        end = -1;
+    }
 }
 
 } // namespace qn

@@ -106,6 +106,8 @@ QAudioDevice RecorderWorker::chosenMicrophone() const {
 
 void RecorderWorker::startMicrophone() {
     readMicrophone();
+    if (state != State::Recording)
+        return;
     closeMicrophone();
     const QAudioDevice device = chosenMicrophone();
     if (device.isNull()) {
@@ -142,7 +144,7 @@ void RecorderWorker::closeMicrophone() {
     if (microphone) {
         microphone->disconnect(this);
         microphone->stop();
-        microphone.reset();
+        microphone.release()->deleteLater(); // this may be inside a signal of its own
     }
     microphoneDevice.clear();
     microphoneId.clear();

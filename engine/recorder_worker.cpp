@@ -11,7 +11,7 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <stdexcept>
+#include <exception>
 
 namespace qn {
 
@@ -78,8 +78,7 @@ void RecorderWorker::pause() {
     Q_ASSERT(QThread::currentThread() == thread());
     if (state != State::Recording)
         return;
-    readMicrophone();
-    render(true);
+    drain();
     if (state != State::Recording)
         return;
     accumulatedSamples += mixer.samplesRead();
@@ -215,7 +214,8 @@ void RecorderWorker::finish(const QString& error) {
 
 void RecorderWorker::drain() {
     readMicrophone();
-    render(true);
+    if (state == State::Recording) // an error may have ended the session
+        render(true);
 }
 
 // Gives the finished file its final name; `path` keeps the temporary one when that fails.

@@ -1,6 +1,7 @@
 #include "ui/action_bar.h"
 
-#include <QHBoxLayout>
+#include "ui/layouts.h"
+
 #include <QPushButton>
 
 namespace qn {
@@ -14,12 +15,8 @@ ActionBar::ActionBar(QWidget* parent)
       renameButton(new QPushButton(u"Переименовать"_s)),
       folderButton(new QPushButton(u"Открыть папку"_s)),
       removeButton(new QPushButton(u"Удалить"_s)) {
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    for (QPushButton* button :
-         {exportButton, recoverButton, renameButton, folderButton, removeButton})
-        layout->addWidget(button);
-    layout->addStretch();
+    layOutRow(this, {exportButton, recoverButton, renameButton, folderButton, removeButton});
+    addStretch(this);
 }
 
 void ActionBar::apply(const ActionRules& rules) {

@@ -11,7 +11,7 @@ QSize ElidedLabel::minimumSizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent*) {
     const QString line = text().simplified();
     const QString shown = fontMetrics().elidedText(line, Qt::ElideRight, width());
-    setToolTip(shown == line ? QString() : line);
+    setToolTip(shown == line ? QString() : line.toHtmlEscaped());
     QPainter(this).drawText(rect(), static_cast<int>(alignment()), shown);
 }
 

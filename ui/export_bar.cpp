@@ -1,6 +1,7 @@
 #include "ui/export_bar.h"
 
-#include <QHBoxLayout>
+#include "ui/layouts.h"
+
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -11,10 +12,7 @@ using namespace Qt::StringLiterals;
 ExportBar::ExportBar(QWidget* parent)
     : QWidget(parent), progress(new QProgressBar), cancel(new QPushButton(u"Отменить экспорт"_s)) {
     progress->setAccessibleName(u"Ход экспорта"_s);
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(progress);
-    layout->addWidget(cancel);
+    layOutRow(this, {progress, cancel});
     connect(cancel, &QPushButton::clicked, this, &ExportBar::cancelClicked);
     showAll(false);
 }

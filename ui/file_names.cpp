@@ -2,12 +2,19 @@
 
 #include "core/date_time.h"
 #include "core/text.h"
-#include "ui/recording_text.h"
-
 
 namespace qn {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// A row's format becomes part of a name: only the known ones may.
+QString extensionOf(const Recording& recording) {
+    return toText(audioFormatFromText(recording.format));
+}
+
+} // namespace
 
 QString exportFilters() {
     return u"Opus (*.opus);;MP3 (*.mp3);;WAV (*.wav)"_s;
@@ -29,7 +36,7 @@ AudioFormat formatOfFilter(const QString& filter) {
 QString exportFileName(const Recording& recording) {
     const QDateTime started = recording.started.toTimeZone(recordingZone(recording.timezone));
     return safeFileName(recording.title) + u'_' + started.toString(u"yyyy-MM-dd_HH-mm"_s) + u'.' +
-           recording.format;
+           extensionOf(recording);
 }
 
 QString withExtension(const QString& path, AudioFormat format) {
@@ -41,7 +48,7 @@ QString recoveryPath(const Recording& recording) {
     const QString suffix = u".part"_s;
     if (recording.path.endsWith(suffix))
         return recording.path.chopped(suffix.size());
-    return recording.path + u".recovered."_s + recording.format;
+    return recording.path + u".recovered."_s + extensionOf(recording);
 }
 
 } // namespace qn

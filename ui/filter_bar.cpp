@@ -1,8 +1,9 @@
 #include "ui/filter_bar.h"
 
+#include "ui/layouts.h"
+
 #include <QCheckBox>
 #include <QDateEdit>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -24,13 +25,8 @@ FilterBar::FilterBar(QWidget* parent)
     dateField->setEnabled(false);
     dateField->setAccessibleName(u"Дата созвона"_s);
 
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(caption);
-    layout->addStretch();
-    layout->addWidget(search);
-    layout->addWidget(dateCheck);
-    layout->addWidget(dateField);
+    layOutRow(this, {caption, search, dateCheck, dateField});
+    addStretch(this, 1);
 
     connect(search, &QLineEdit::textChanged, this, &FilterBar::changed);
     connect(dateField, &QDateEdit::dateChanged, this, &FilterBar::changed);

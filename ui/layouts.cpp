@@ -7,27 +7,46 @@ namespace qn {
 
 namespace {
 
-QWidget* panelOf(QBoxLayout::Direction direction, std::initializer_list<QWidget*> widgets) {
-    auto* panel = new QWidget;
+void layOut(QBoxLayout::Direction direction, QWidget* panel,
+            std::initializer_list<QWidget*> widgets) {
     auto* layout = new QBoxLayout(direction, panel);
     layout->setContentsMargins(0, 0, 0, 0);
     for (QWidget* widget : widgets)
         layout->addWidget(widget);
-    return panel;
 }
 
 } // namespace
 
+void layOutRow(QWidget* panel, std::initializer_list<QWidget*> widgets) {
+    layOut(QBoxLayout::LeftToRight, panel, widgets);
+}
+
 QWidget* rowOf(std::initializer_list<QWidget*> widgets) {
-    return panelOf(QBoxLayout::LeftToRight, widgets);
+    auto* panel = new QWidget;
+    layOutRow(panel, widgets);
+    return panel;
 }
 
 QWidget* columnOf(std::initializer_list<QWidget*> widgets) {
-    return panelOf(QBoxLayout::TopToBottom, widgets);
+    auto* panel = new QWidget;
+    layOut(QBoxLayout::TopToBottom, panel, widgets);
+    return panel;
 }
 
-void addStretch(QWidget* row) {
-    static_cast<QBoxLayout*>(row->layout())->addStretch();
+void addStretch(QWidget* panel, int index) {
+    qobject_cast<QBoxLayout*>(panel->layout())->insertStretch(index);
+}
+
+void enableOneOf(QWidget* first, bool firstOn, QWidget* second, bool secondOn) {
+    const bool toSecond = first->hasFocus() && !firstOn && secondOn;
+    const bool toFirst = second->hasFocus() && !secondOn && firstOn;
+    if (toFirst || toSecond) {
+        QWidget* next = toFirst ? first : second;
+        next->setEnabled(true);
+        next->setFocus();
+    }
+    first->setEnabled(firstOn);
+    second->setEnabled(secondOn);
 }
 
 } // namespace qn

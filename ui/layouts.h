@@ -6,11 +6,19 @@ class QWidget;
 
 namespace qn {
 
-// Panels without margins, so that nesting them leaves the geometry of a flat layout.
+// Lays the widgets out side by side in `panel`, without margins, so that nested panels keep the
+// geometry of a flat layout.
+void layOutRow(QWidget* panel, std::initializer_list<QWidget*> widgets);
+
+// New panels laid out so.
 QWidget* rowOf(std::initializer_list<QWidget*> widgets);
 QWidget* columnOf(std::initializer_list<QWidget*> widgets);
 
-// Fills the rest of a row with space.
-void addStretch(QWidget* row);
+// Free space in a panel at that place, by default its end.
+void addStretch(QWidget* panel, int index = -1);
+
+// Enables either button; the focus of one that is switched off passes to the other, so that the
+// next Space undoes the last one.
+void enableOneOf(QWidget* first, bool firstOn, QWidget* second, bool secondOn);
 
 } // namespace qn

@@ -2,19 +2,26 @@
 
 #include "storage/library.h"
 
+#include <QElapsedTimer>
+
+#include <chrono>
 #include <exception>
+#include <utility>
 
 namespace qn {
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-// A locked library holds every try, and with it the window, for up to 5 s.
-constexpr auto kRetryInterval = 10s;
+constexpr auto kRetryInterval = 1s;
+// A locked library holds every try, and with it the window, for seconds: it gets twice as long
+// between the tries.
+constexpr int kRestPerTry = 2;
 } // namespace
 
 LibraryWriter::LibraryWriter(Library& target) : library(target) {
-    retry.setInterval(kRetryInterval);
+    retry.setSingleShot(true);
     connect(&retry, &QTimer::timeout, this, &LibraryWriter::flush);
 }
 
@@ -24,34 +31,44 @@ void LibraryWriter::update(const Recording& recording) {
         flush();
 }
 
-void LibraryWriter::event(const QString& recordingId, const QString& kind,
-                          const QJsonObject& details) {
+void LibraryWriter::addEvent(const QString& recordingId, const QString& kind,
+                             const QJsonObject& details) {
     events.append({recordingId, kind, details});
     if (!retry.isActive())
         flush();
 }
 
-void LibraryWriter::flush() {
+void LibraryWriter::forget(const QString& recordingId) {
+    rows.remove(recordingId);
+    events.removeIf([&](const Event& event) { return event.recordingId == recordingId; });
+}
+
+bool LibraryWriter::flush() {
+    QElapsedTimer clock;
+    clock.start();
     try {
         write();
+        refusing = false;
         retry.stop();
+        return true;
     } catch (const std::exception& exception) {
-        const bool first = !retry.isActive();
-        retry.start();
-        if (first)
-            Q_EMIT refused(QString::fromUtf8(exception.what()));
+        retry.start(kRetryInterval + std::chrono::milliseconds(clock.elapsed()) * kRestPerTry);
+        if (!std::exchange(refusing, true))
+            Q_EMIT refused(u"Ошибка библиотеки: "_s + QString::fromUtf8(exception.what()));
+        return false;
     }
 }
 
+// Rows first: no event may keep them waiting.
 void LibraryWriter::write() {
+    while (!rows.isEmpty()) {
+        library.update(rows.cbegin().value());
+        rows.erase(rows.cbegin());
+    }
     while (!events.isEmpty()) {
         const Event& event = events.first();
         library.event(event.recordingId, event.kind, event.details);
         events.removeFirst();
-    }
-    while (!rows.isEmpty()) {
-        library.update(rows.cbegin().value());
-        rows.erase(rows.cbegin());
     }
 }
 

@@ -22,10 +22,13 @@ public:
     explicit LibraryWriter(Library& library);
 
     void update(const Recording& recording);
-    void event(const QString& recordingId, const QString& kind, const QJsonObject& details);
+    void addEvent(const QString& recordingId, const QString& kind, const QJsonObject& details);
 
-    // Tries once more at once, instead of waiting for the next try.
-    void flush();
+    // Tries at once, instead of waiting for the next try; true when nothing is left to write.
+    bool flush();
+
+    // Drops what is kept of a recording that was removed.
+    void forget(const QString& recordingId);
 
 Q_SIGNALS:
     // Emitted once, when the library begins to refuse.
@@ -44,6 +47,7 @@ private:
     QHash<QString, Recording> rows; // the newest state of each, by id
     QList<Event> events;
     QTimer retry; // runs while the library refuses
+    bool refusing = false;
 };
 
 } // namespace qn

@@ -1,8 +1,8 @@
 #include "ui/playback_panel.h"
 
 #include "core/text.h"
+#include "ui/layouts.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 
@@ -33,20 +33,14 @@ PlaybackPanel::PlaybackPanel(QWidget* parent)
     backButton->setToolTip(u"Перемотать на 10 секунд назад"_s);
     forwardButton->setToolTip(u"Перемотать на 10 секунд вперёд"_s);
     pauseButton->setAccessibleName(u"Пауза воспроизведения"_s);
-    position->setAccessibleName(u"Позиция воспроизведения"_s);
     showPosition(0, 0);
 
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    for (QPushButton* button : {playButton, pauseButton, backButton, forwardButton})
-        layout->addWidget(button);
-    layout->addWidget(position);
-    layout->addStretch();
+    layOutRow(this, {playButton, pauseButton, backButton, forwardButton, position});
+    addStretch(this);
 }
 
 void PlaybackPanel::apply(const PlaybackRules& rules) {
-    playButton->setEnabled(rules.play);
-    pauseButton->setEnabled(rules.pause);
+    enableOneOf(playButton, rules.play, pauseButton, rules.pause);
     backButton->setEnabled(rules.seek);
     forwardButton->setEnabled(rules.seek);
 }

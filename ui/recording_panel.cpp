@@ -5,7 +5,6 @@
 #include "ui/layouts.h"
 #include "ui/level_meter.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -65,7 +64,6 @@ QWidget* RecordingPanel::buildTitleRow() {
     titleField->setAccessibleName(u"Название созвона"_s);
     elapsed = new QLabel(u"00:00:00"_s);
     elapsed->setStyleSheet(u"font-size:30px;font-weight:600;font-family:monospace"_s);
-    elapsed->setAccessibleName(u"Длительность записи"_s);
     return rowOf({titleField, elapsed});
 }
 
@@ -75,7 +73,6 @@ QWidget* RecordingPanel::buildButtonRow() {
     pause = tallButton(u"Пауза"_s);
     stop = tallButton(u"Остановить"_s);
     status = new QLabel(u"Готов к записи"_s);
-    status->setAccessibleName(u"Состояние записи"_s);
     auto* row = rowOf({record, pause, stop, status});
     addStretch(row);
     return row;

@@ -81,6 +81,7 @@ RecordingTable::RecordingTable(QWidget* parent) : QTableWidget(0, kColumns, pare
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
     setAlternatingRowColors(true);
+    setTabKeyNavigation(false); // Tab leaves the table
     setWordWrap(false);
     verticalHeader()->hide();
     horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);

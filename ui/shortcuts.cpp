@@ -9,35 +9,51 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QKeySequence platformKey(QKeySequence::StandardKey standard, const QString& usual) {
-    const auto keys = QKeySequence::keyBindings(standard);
-    return keys.isEmpty() ? QKeySequence(usual) : keys.first();
+Keys platformKeys(QKeySequence::StandardKey standard, const QString& usual) {
+    const Keys keys = QKeySequence::keyBindings(standard);
+    return keys.isEmpty() ? Keys{usual} : keys;
+}
+
+QShortcut* bind(QWidget* widget, const Keys& keys, Qt::ShortcutContext context,
+                const std::function<void()>& action) {
+    auto* shortcut = new QShortcut(widget);
+    shortcut->setKeys(keys);
+    shortcut->setContext(context);
+    shortcut->setAutoRepeat(false);
+    QObject::connect(shortcut, &QShortcut::activated, widget, action);
+    return shortcut;
 }
 
 } // namespace
 
-void bindShortcut(QWidget* window, const QKeySequence& key, QAbstractButton* button) {
-    bindShortcut(window, key, [button] { button->click(); });
+QShortcut* bindShortcut(QWidget* window, const Keys& keys, QAbstractButton* button) {
+    return bindShortcut(window, keys, [button] { button->click(); });
 }
 
-void bindShortcut(QWidget* window, const QKeySequence& key, const std::function<void()>& action) {
-    auto* shortcut = new QShortcut(key, window);
-    QObject::connect(shortcut, &QShortcut::activated, window, action);
+QShortcut* bindShortcut(QWidget* window, const Keys& keys, const std::function<void()>& action) {
+    return bind(window, keys, Qt::WindowShortcut, action);
 }
 
-void bindLocalShortcut(QWidget* widget, const QKeySequence& key,
-                       const std::function<void()>& action) {
-    auto* shortcut = new QShortcut(key, widget);
-    shortcut->setContext(Qt::WidgetShortcut);
-    QObject::connect(shortcut, &QShortcut::activated, widget, action);
+QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
+                             const std::function<void()>& action) {
+    return bind(widget, keys, Qt::WidgetShortcut, action);
 }
 
-QKeySequence preferencesKey() {
-    return platformKey(QKeySequence::Preferences, u"Ctrl+,"_s);
+Keys findKeys() {
+    return platformKeys(QKeySequence::Find, u"Ctrl+F"_s);
 }
 
-QKeySequence quitKey() {
-    return platformKey(QKeySequence::Quit, u"Ctrl+Q"_s);
+Keys preferencesKeys() {
+    return platformKeys(QKeySequence::Preferences, u"Ctrl+,"_s);
+}
+
+Keys quitKeys() {
+    return platformKeys(QKeySequence::Quit, u"Ctrl+Q"_s);
+}
+
+// Mac keyboards have Backspace alone.
+Keys deleteKeys() {
+    return {Qt::Key_Delete, Qt::Key_Backspace};
 }
 
 } // namespace qn

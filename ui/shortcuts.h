@@ -1,25 +1,33 @@
 #pragma once
 
 #include <QKeySequence>
+#include <QList>
 
 #include <functional>
 
 class QAbstractButton;
+class QShortcut;
 class QWidget;
 
 namespace qn {
 
-// The key presses the button, so that it works exactly when the button is enabled.
-void bindShortcut(QWidget* window, const QKeySequence& key, QAbstractButton* button);
+using Keys = QList<QKeySequence>;
 
-void bindShortcut(QWidget* window, const QKeySequence& key, const std::function<void()>& action);
+// A key works once while it is held, unless the caller lets the shortcut repeat.
+
+// The key presses the button, so that it works exactly when the button is enabled.
+QShortcut* bindShortcut(QWidget* window, const Keys& keys, QAbstractButton* button);
+
+QShortcut* bindShortcut(QWidget* window, const Keys& keys, const std::function<void()>& action);
 
 // Only while that widget has the focus, never while the user types elsewhere.
-void bindLocalShortcut(QWidget* widget, const QKeySequence& key,
-                       const std::function<void()>& action);
+QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
+                             const std::function<void()>& action);
 
 // The platform's own keys, with a usual one where it has none.
-QKeySequence preferencesKey();
-QKeySequence quitKey();
+Keys findKeys();
+Keys preferencesKeys();
+Keys quitKeys();
+Keys deleteKeys();
 
 } // namespace qn

@@ -19,15 +19,20 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEvent>
-#include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QMediaDevices>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
+#include <QShortcut>
 #include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <chrono>
+#include <initializer_list>
 
 namespace qn {
 
@@ -59,6 +64,7 @@ Window::Window(const QString& dataDirectory)
       backend(makeCaptureBackend()),
       settings(loadSettings()) {
     library->markInterrupted();
+    library->list({}, {}); // what can't be read at all ends the start here, with its error
     setWindowTitle(u"Quorlin"_s);
     setWindowIcon(QIcon(u":/app-icon.png"_s));
     resize(kInitialSize);
@@ -129,10 +135,13 @@ QWidget* Window::buildHeader() {
     auto* name = new QLabel(u"Quorlin"_s);
     name->setStyleSheet(u"font-size:25px;font-weight:650"_s);
     auto* settingsButton = new QPushButton(u"Настройки"_s);
-    connect(settingsButton, &QPushButton::clicked, settingsDialog, &QDialog::show);
-    bindShortcut(this, preferencesKey(), settingsButton);
+    connect(settingsButton, &QPushButton::clicked, this, [this] {
+        settingsDialog->show();
+        settingsDialog->raise();
+    });
+    bindShortcut(this, preferencesKeys(), settingsButton);
     auto* header = rowOf({name, settingsButton});
-    static_cast<QHBoxLayout*>(header->layout())->insertStretch(1);
+    addStretch(header, 1);
     return header;
 }
 
@@ -165,25 +174,24 @@ void Window::connectControls() {
 }
 
 void Window::bindShortcuts() {
-    bindShortcut(this, QKeySequence(u"Ctrl+R"_s), recordingPanel->recordButton());
-    bindShortcut(this, QKeySequence(u"Ctrl+P"_s), recordingPanel->pauseButton());
-    bindShortcut(this, QKeySequence(u"Ctrl+."_s), recordingPanel->stopButton());
-    bindShortcut(this, QKeySequence(u"Ctrl+E"_s), actionBar->exportButton);
-    bindShortcut(this, QKeySequence(u"F2"_s), actionBar->renameButton);
-    bindShortcut(this, QKeySequence(u"Ctrl+Left"_s), playbackPanel->backButton);
-    bindShortcut(this, QKeySequence(u"Ctrl+Right"_s), playbackPanel->forwardButton);
-    bindShortcut(this, QKeySequence(QKeySequence::Find), [this] { filterBar->focusSearch(); });
-    bindShortcut(this, quitKey(), [this] { close(); });
-    bindLocalShortcut(table, QKeySequence(QKeySequence::Delete), [this] { deleteSelected(); });
-    bindLocalShortcut(table, QKeySequence(Qt::Key_Space), [this] { togglePlayback(); });
-    bindLocalShortcut(waveform, QKeySequence(Qt::Key_Space), [this] { togglePlayback(); });
+    bindShortcut(this, {u"Ctrl+R"_s}, recordingPanel->recordButton());
+    bindShortcut(this, {u"Ctrl+P"_s}, recordingPanel->pauseButton());
+    bindShortcut(this, {u"Ctrl+."_s}, recordingPanel->stopButton());
+    bindShortcut(this, {u"Ctrl+E"_s}, actionBar->exportButton);
+    bindShortcut(this, {u"F2"_s}, actionBar->renameButton);
+    bindShortcut(this, {u"Ctrl+Left"_s}, playbackPanel->backButton)->setAutoRepeat(true);
+    bindShortcut(this, {u"Ctrl+Right"_s}, playbackPanel->forwardButton)->setAutoRepeat(true);
+    bindShortcut(this, findKeys(), [this] { filterBar->focusSearch(); });
+    bindShortcut(this, quitKeys(), [this] { close(); });
+    bindLocalShortcut(table, deleteKeys(), [this] { deleteSelected(); });
+    bindLocalShortcut(table, {Qt::Key_Space}, [this] { togglePlayback(); });
+    bindLocalShortcut(waveform, {Qt::Key_Space}, [this] { togglePlayback(); });
 }
 
 void Window::refreshCatalog() {
-    populating = true;
+    const QScopedValueRollback refilling(populating, true);
     catalog = backend->catalog();
     settingsDialog->showSources(settings, catalog, listMicrophones());
-    populating = false;
 }
 
 void Window::changeSourceKind(int kind) {

@@ -53,6 +53,23 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
 
+private Q_SLOTS:
+    void refreshCatalog();
+    void savePreferences();
+    void startRecording();
+    void stateChanged(qn::State newState);
+    void recordingFinished(const QString& path, qint64 durationMs, const QString& error);
+    void refreshLibrary();
+    void selectionChanged();
+    void playSelected();
+    void seekPlayback(qint64 deltaMs);
+    void updatePlaybackControls();
+    void exportSelected();
+    void recoverSelected();
+    void renameSelected();
+    void deleteSelected();
+    void showError(const QString& message);
+
 private:
     void buildUi();
     QWidget* buildHeader();
@@ -60,24 +77,17 @@ private:
     void connectControls();
     void connectWorker();
     void bindShortcuts();
-    void refreshCatalog();
     void changeSourceKind(int kind);
-    void savePreferences();
 
-    void startRecording();
-    bool microphoneAllowed();
-    bool insertRecording(const Recording& recording);
+    bool askForMicrophone();
+    void microphoneAnswered(bool granted);
     void togglePause();
     void stopRecording();
     void invokeWorker(void (RecorderWorker::*slot)());
-    void stateChanged(qn::State newState);
     void recordingBegan(const QDateTime& startedUtc);
     void recordingProgress(qint64 durationMs);
     void sourceChanged(const QString& description, const QJsonObject& details);
-    void recordingFinished(const QString& path, qint64 durationMs, const QString& error);
 
-    void refreshLibrary();
-    void selectionChanged();
     void showDetails();
     const Recording* selected() const;
     SelectionFacts selectionFacts() const;
@@ -85,24 +95,17 @@ private:
 
     void connectPlayer();
     void setPlayerSource(const QUrl& url);
-    void playSelected();
     void togglePlayback();
-    void seekPlayback(qint64 deltaMs);
-    void updatePlaybackControls();
     void showPosition(qint64 positionMs);
 
-    void exportSelected();
-    void recoverSelected();
-    void renameSelected();
-    void deleteSelected();
     void exportFinished(bool success, const QString& message);
     void completeRecovery();
     bool confirm(const QString& title, const QString& question);
     bool deferCloseToRecording();
+    bool mayCancelExport();
     bool tryLibrary(const std::function<void()>& action);
     bool readLibrary(const std::function<void()>& action);
     void libraryRefused(const QString& error);
-    void showError(const QString& message);
 
     std::unique_ptr<Library> library;
     std::unique_ptr<LibraryWriter> writer;   // the recording in progress goes through it

@@ -1,9 +1,10 @@
-#include "engine/recorder_worker.h"
 #include "ui/action_bar.h"
 #include "ui/export_bar.h"
 #include "ui/file_names.h"
+#include "ui/library_writer.h"
 #include "ui/window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFile>
@@ -16,6 +17,7 @@
 #include <QStatusBar>
 
 #include <exception>
+#include <utility>
 
 namespace qn {
 
@@ -23,16 +25,33 @@ using namespace Qt::StringLiterals;
 
 namespace {
 constexpr int kResultShownMs = 10000;
+constexpr qsizetype kLongestAskedTitle = 200;
+
+// Titles and tools' messages come from outside: nothing of them is taken for markup.
+QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, const QString& title,
+                                    const QString& text, QMessageBox::StandardButtons buttons) {
+    QMessageBox box(icon, title, text, buttons, parent);
+    box.setTextFormat(Qt::PlainText);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
+QString shortened(const QString& title) {
+    return title.size() > kLongestAskedTitle ? title.left(kLongestAskedTitle) + u'…' : title;
+}
+
+QString libraryError(const std::exception& exception) {
+    return u"Ошибка библиотеки: "_s + QString::fromUtf8(exception.what());
+}
+} // namespace
+
 bool Window::confirm(const QString& title, const QString& question) {
-    return closing || QMessageBox::question(this, title, question,
-                                            QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    return showBox(this, QMessageBox::Question, title, question,
+                   QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 void Window::showError(const QString& message) {
     if (!closing)
-        QMessageBox::warning(this, u"Quorlin"_s, message);
+        showBox(this, QMessageBox::Warning, u"Quorlin"_s, message, QMessageBox::Ok);
 }
 
 // The library throws; here its error becomes a message.
@@ -41,7 +60,7 @@ bool Window::tryLibrary(const std::function<void()>& action) {
         action();
         return true;
     } catch (const std::exception& exception) {
-        showError(QString::fromUtf8(exception.what()));
+        showError(libraryError(exception));
         return false;
     }
 }
@@ -53,14 +72,16 @@ bool Window::readLibrary(const std::function<void()>& action) {
         libraryErrorShown = false;
         return true;
     } catch (const std::exception& exception) {
-        libraryRefused(QString::fromUtf8(exception.what()));
+        libraryRefused(libraryError(exception));
         return false;
     }
 }
 
+// The message waits until the present work is done: behind a box everything may change.
 void Window::libraryRefused(const QString& error) {
     if (!std::exchange(libraryErrorShown, true))
-        showError(error);
+        QMetaObject::invokeMethod(
+            this, [this, error] { showError(error); }, Qt::QueuedConnection);
 }
 
 void Window::exportSelected() {
@@ -116,12 +137,10 @@ void Window::exportFinished(bool success, const QString& message) {
 void Window::completeRecovery() {
     const QString partial = std::exchange(exportSubject.path, recoveryTarget);
     exportSubject.status = u"ready"_s;
-    const bool stored = tryLibrary([&] {
-        library->update(exportSubject);
-        library->event(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
-    });
+    writer->update(exportSubject);
+    writer->addEvent(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
     // While the row still names the partial file, it stays.
-    if (stored)
+    if (writer->flush())
         QFile::remove(partial);
 }
 
@@ -143,7 +162,8 @@ void Window::deleteSelected() {
     if (!row || !actionBar->removeButton->isEnabled())
         return;
     const Recording recording = *row;
-    if (!confirm(u"Удалить запись"_s, u"Удалить «%1» и её аудиофайл?"_s.arg(recording.title)))
+    if (!confirm(u"Удалить запись"_s,
+                 u"Удалить «%1» и её аудиофайл?"_s.arg(shortened(recording.title))))
         return;
     player.stop();
     player.setSource({});
@@ -151,17 +171,29 @@ void Window::deleteSelected() {
         showError(u"Не удалось удалить аудиофайл"_s);
         return;
     }
-    if (tryLibrary([&] { library->remove(recording.id); }))
-        refreshLibrary();
+    if (!tryLibrary([&] { library->remove(recording.id); }))
+        return;
+    writer->forget(recording.id);
+    refreshLibrary();
 }
 
 void Window::saveAndClose() {
     closing = true;
-    close();
+    // A dialog would hold the window open, and a question that nobody answers counts as No.
+    for (QWidget* dialog = QApplication::activeModalWidget(); dialog && dialog->close();)
+        dialog = QApplication::activeModalWidget();
+    if (isResting(state)) {
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        return;
+    }
+    closePending = true;
+    stopRecording();
 }
 
 // True while the close has to wait: recordingFinished then closes the window.
 bool Window::deferCloseToRecording() {
+    if (closePending)
+        return true;
     if (!confirm(u"Запись продолжается"_s,
                  u"Остановить запись, сохранить файл и закрыть приложение?"_s))
         return true;
@@ -173,18 +205,20 @@ bool Window::deferCloseToRecording() {
     return true;
 }
 
+bool Window::mayCancelExport() {
+    return closing ||
+           confirm(u"Экспорт продолжается"_s, u"Отменить экспорт и закрыть приложение?"_s);
+}
+
 void Window::closeEvent(QCloseEvent* event) {
-    if (!isResting(state) && deferCloseToRecording()) {
+    const bool deferred = !isResting(state) && deferCloseToRecording();
+    if (deferred || (exportJob.isRunning() && !mayCancelExport())) {
         event->ignore();
-    } else if (exportJob.isRunning()) {
-        const bool accepted =
-            confirm(u"Экспорт продолжается"_s, u"Отменить экспорт и закрыть приложение?"_s);
-        if (accepted)
-            exportJob.cancel();
-        event->setAccepted(accepted);
-    } else {
-        event->accept();
+        return;
     }
+    closing = true;
+    exportJob.cancel();
+    event->accept();
 }
 
 } // namespace qn

@@ -16,8 +16,7 @@ namespace qn {
 using namespace Qt::StringLiterals;
 
 void Window::refreshLibrary() {
-    if (!readLibrary([this] { rows = library->list(filterBar->searchText(), filterBar->date()); }))
-        return;
+    readLibrary([this] { rows = library->list(filterBar->searchText(), filterBar->date()); });
     const QSignalBlocker blocker(table);
     table->setRows(rows);
     selectionChanged();

@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QTemporaryFile>
 
+#include <utility>
+
 namespace qn {
 
 using namespace Qt::StringLiterals;
@@ -46,7 +48,7 @@ void Window::startRecording() {
         showError(u"Выберите устройство или приложение в настройках"_s);
         return;
     }
-    if (settings.microphoneEnabled && !microphoneAllowed())
+    if (settings.microphoneEnabled && !askForMicrophone())
         return;
     if (!QDir().mkpath(settings.directory)) {
         showError(u"Не удалось создать папку записей"_s);
@@ -60,7 +62,7 @@ void Window::startRecording() {
     player.stop();
     const Recording recording =
         newRecording(settings, recordingPanel->title(), QDateTime::currentDateTimeUtc());
-    if (!insertRecording(recording))
+    if (!tryLibrary([&] { library->insert(recording); }))
         return;
     current = recording;
     recordingPanel->setElapsed(0);
@@ -72,32 +74,28 @@ void Window::startRecording() {
         Qt::QueuedConnection);
 }
 
-// False when the recording can't start now; where the user has to be asked, the answer starts it.
-bool Window::microphoneAllowed() {
-    const auto answered = [this](bool granted) {
-        recordingPanel->setRecordEnabled(isResting(state));
-        if (granted)
-            startRecording();
-        else
-            showError(u"Разрешите доступ к микрофону в настройках системы либо отключите микрофон "
-                      "в настройках записи."_s);
-    };
-    switch (requestMicrophone(this, answered)) {
-    case MicrophonePermission::Granted:
-        return true;
-    case MicrophonePermission::Denied:
+// True when the microphone may be used now. Where the user has to be asked first, the answer
+// starts the recording.
+bool Window::askForMicrophone() {
+    recordingPanel->setRecordEnabled(false); // before an answer can come
+    const auto permission =
+        requestMicrophone(this, [this](bool granted) { microphoneAnswered(granted); });
+    if (permission == MicrophonePermission::Undetermined)
+        return false;
+    recordingPanel->setRecordEnabled(true);
+    if (permission == MicrophonePermission::Denied)
         showError(u"Доступ к микрофону запрещён. Разрешите его в настройках системы либо отключите "
                   "микрофон."_s);
-        return false;
-    case MicrophonePermission::Undetermined:
-        recordingPanel->setRecordEnabled(false);
-        return false;
-    }
-    return false;
+    return permission == MicrophonePermission::Granted;
 }
 
-bool Window::insertRecording(const Recording& recording) {
-    return tryLibrary([&] { library->insert(recording); });
+void Window::microphoneAnswered(bool granted) {
+    recordingPanel->setRecordEnabled(true);
+    if (granted)
+        startRecording();
+    else
+        showError(u"Разрешите доступ к микрофону в настройках системы либо отключите микрофон в "
+                  "настройках записи."_s);
 }
 
 void Window::stateChanged(State newState) {
@@ -106,12 +104,12 @@ void Window::stateChanged(State newState) {
     settingsDialog->setEditable(isResting(newState));
     if (!current.id.isEmpty() && newState == State::Paused) {
         current.status = u"paused"_s;
-        writer->event(current.id, u"pause"_s, {});
+        writer->addEvent(current.id, u"pause"_s, {});
         writer->update(current);
     } else if (!current.id.isEmpty() && newState == State::Recording) {
         current.status = u"recording"_s;
         if (oldState == State::Paused)
-            writer->event(current.id, u"resume"_s, {});
+            writer->addEvent(current.id, u"resume"_s, {});
         writer->update(current);
     }
     selectionChanged();
@@ -137,7 +135,7 @@ void Window::sourceChanged(const QString& description, const QJsonObject& source
     else
         recordingPanel->setSystemCaption(description);
     if (!current.id.isEmpty())
-        writer->event(current.id, u"source"_s, sourceDetails);
+        writer->addEvent(current.id, u"source"_s, sourceDetails);
 }
 
 void Window::recordingFinished(const QString& path, qint64 durationMs, const QString& error) {
@@ -147,7 +145,7 @@ void Window::recordingFinished(const QString& path, qint64 durationMs, const QSt
     current.status = error.isEmpty() ? u"ready"_s : u"failed"_s;
     if (!error.isEmpty()) {
         current.details.insert(u"error"_s, error);
-        writer->event(current.id, u"error"_s, {{u"message"_s, error}});
+        writer->addEvent(current.id, u"error"_s, {{u"message"_s, error}});
     }
     writer->update(std::exchange(current, {}));
     writer->flush();

@@ -220,15 +220,21 @@ private Q_SLOTS:
 
     void closingSavesTheRecording_data() {
         QTest::addColumn<bool>("asked");
-        QTest::newRow("after the question") << true;
-        QTest::newRow("without a question when the program is told to end") << false;
+        QTest::addColumn<bool>("told");
+        QTest::newRow("after the question") << true << false;
+        QTest::newRow("without a question when the program is told to end") << false << true;
+        QTest::newRow("when the program is told to end behind the question") << true << true;
     }
     void closingSavesTheRecording() {
         QFETCH(bool, asked);
+        QFETCH(bool, told);
         open();
         record(300);
         const QString question = u"Остановить запись, сохранить файл и закрыть приложение?"_s;
-        if (asked) {
+        if (asked && told) {
+            answers = {[this](QDialog*) { window->saveAndClose(); }};
+            window->close();
+        } else if (asked) {
             answers = {press(QMessageBox::No, question), press(QMessageBox::Yes, question)};
             QVERIFY(!window->close());
             QVERIFY(shows(u"● Записываем"_s));
