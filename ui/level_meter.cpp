@@ -19,12 +19,14 @@ LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent) {
 
 void LevelMeter::setLevel(float level) {
     const int percent = level > 0.0F ? static_cast<int>(std::min(level, 1.0F) * 100.0F) : 0;
-    if (percent == value())
-        return;
-    // QProgressBar repaints inside setValue, once per meter; held back, both wait for one pass.
-    setUpdatesEnabled(false);
+    const int before = filledWidth();
+    // QProgressBar repaints itself whole inside setValue; held back, both meters wait for one pass
+    // that paints what has changed.
+    setAttribute(Qt::WA_UpdatesDisabled, true);
     setValue(percent);
-    setUpdatesEnabled(true);
+    setAttribute(Qt::WA_UpdatesDisabled, false);
+    const auto [from, to] = std::minmax({before, filledWidth()});
+    update(from, 0, to - from, height());
 }
 
 QSize LevelMeter::sizeHint() const {
@@ -33,9 +35,13 @@ QSize LevelMeter::sizeHint() const {
 
 void LevelMeter::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const int filled = width() * value() / 100;
+    const int filled = filledWidth();
     painter.fillRect(0, 0, filled, height(), palette().highlight());
     painter.fillRect(filled, 0, width() - filled, height(), palette().mid());
+}
+
+int LevelMeter::filledWidth() const {
+    return width() * value() / maximum();
 }
 
 } // namespace qn

@@ -19,6 +19,9 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    int filledWidth() const; // px
 };
 
 } // namespace qn

@@ -3,12 +3,13 @@
 #include "core/text.h"
 #include "ui/recording_text.h"
 
-#include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QHeaderView>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QStyledItemDelegate>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -63,7 +64,7 @@ bool looksSame(const Recording& a, const Recording& b) {
            a.format == b.format && a.timezone == b.timezone;
 }
 
-QChar widestDigit(const QFontMetrics& metrics) {
+QChar widestDigit(const QFontMetricsF& metrics) {
     const QString digits = u"0123456789"_s;
     return *std::max_element(digits.begin(), digits.end(), [&](QChar a, QChar b) {
         return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b);
@@ -154,12 +155,12 @@ QString RecordingTable::cellText(int row, int column) const {
 // Measures every shape of text once, taking each digit for the widest one.
 int RecordingTable::sizeHintForColumn(int column) const {
     ensurePolished();
-    const QFontMetrics metrics(font());
+    const QFontMetricsF metrics(font());
     const QChar digit = widestDigit(metrics);
     const int count = static_cast<int>(rows.size());
     const int first = std::clamp(rowAt(0), 0, std::max(count - kMostMeasuredRows, 0));
     QSet<QString> shapes;
-    int widest = 0;
+    qreal widest = 0;
     for (int row = first; row < std::min(first + kMostMeasuredRows, count); ++row) {
         QString shape = cellText(row, column).left(kLongestShownTitle);
         for (QChar& c : shape) {
@@ -172,7 +173,7 @@ int RecordingTable::sizeHintForColumn(int column) const {
         widest = std::max(widest, metrics.horizontalAdvance(shape));
     }
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-    return widest + 2 * margin + (showGrid() ? 1 : 0);
+    return qCeil(widest) + 2 * margin + (showGrid() ? 1 : 0);
 }
 
 } // namespace qn

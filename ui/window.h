@@ -9,6 +9,7 @@
 #include "ui/control_rules.h"
 
 #include <QAudioOutput>
+#include <QFile>
 #include <QList>
 #include <QMainWindow>
 #include <QMediaPlayer>
@@ -94,7 +95,8 @@ private:
     void openFolder();
 
     void connectPlayer();
-    void setPlayerSource(const QUrl& url);
+    void setPlayerSource(const QString& path);
+    void loadPlayer(const QUrl& url);
     void togglePlayback();
     void showPosition(qint64 positionMs);
 
@@ -115,6 +117,7 @@ private:
     QThread workerThread;
     RecorderWorker* worker = nullptr; // lives on workerThread, which deletes it
     ExportJob exportJob;
+    QFile playedFile; // the player reads it on threads of its own
     QMediaPlayer player;
     QAudioOutput audioOutput;
     QList<Recording> rows; // of the table, in its order

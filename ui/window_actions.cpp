@@ -165,8 +165,7 @@ void Window::deleteSelected() {
     if (!confirm(u"Удалить запись"_s,
                  u"Удалить «%1» и её аудиофайл?"_s.arg(shortened(recording.title))))
         return;
-    player.stop();
-    player.setSource({});
+    setPlayerSource({}); // which would hold the file open
     if (QFileInfo::exists(recording.path) && !QFile::remove(recording.path)) {
         showError(u"Не удалось удалить аудиофайл"_s);
         return;

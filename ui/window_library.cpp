@@ -41,7 +41,7 @@ SelectionFacts Window::selectionFacts() const {
 void Window::selectionChanged() {
     const SelectionFacts facts = selectionFacts();
     const QString path = isPlayable(facts) ? selected()->path : QString();
-    setPlayerSource(mayPlay(facts) ? QUrl::fromLocalFile(path) : QUrl());
+    setPlayerSource(mayPlay(facts) ? path : QString());
     waveform->setAudioFile(path);
     updatePlaybackControls();
     actionBar->apply(actionRules(facts));

@@ -56,13 +56,29 @@ void Window::connectPlayer() {
             [this] { seekPlayback(kSkipMs); });
 }
 
-void Window::setPlayerSource(const QUrl& url) {
+// Withholds the file from the player when `path` is empty.
+void Window::setPlayerSource(const QString& path) {
+    const QUrl url = path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
     if (player.source() == url)
         return;
     player.stop();
-    player.setSource(url);
+    loadPlayer(url);
     const QSignalBlocker blocker(waveform);
     waveform->setValue(0);
+}
+
+// Hands the file over as a device: the player's FFmpeg back end, as of Qt 6.4, can't open a path
+// with letters outside ASCII.
+void Window::loadPlayer(const QUrl& url) {
+    player.setSource({});
+    playedFile.close();
+    if (url.isEmpty())
+        return;
+    playedFile.setFileName(url.toLocalFile());
+    if (playedFile.open(QIODevice::ReadOnly))
+        player.setSourceDevice(&playedFile, url);
+    else
+        player.setSource(url); // fails with the player's own message
 }
 
 void Window::showPosition(qint64 positionMs) {
@@ -86,7 +102,7 @@ void Window::playSelected() {
     audioOutput.setDevice(QMediaDevices::defaultAudioOutput());
     const QUrl url = QUrl::fromLocalFile(recording->path);
     if (player.source() != url)
-        player.setSource(url);
+        loadPlayer(url);
     if (player.mediaStatus() == QMediaPlayer::EndOfMedia)
         player.setPosition(0);
     player.play();
