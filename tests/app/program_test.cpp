@@ -18,57 +18,42 @@ class ProgramTest : public QObject {
     const QString data = folder.filePath(u"data"_s);
 
     // Runs the built program to its end.
-    void run(const QStringList& arguments, int status, QByteArray& output) {
+    void run(const QString& option, int status, const QByteArray& words) {
         QProcess program;
-        program.start(QString::fromUtf8(QUORLIN_PROGRAM), arguments);
+        program.start(QString::fromUtf8(QUORLIN_PROGRAM), {u"--data-dir"_s, data, option});
         QVERIFY(program.waitForFinished(20000));
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QCOMPARE(program.exitCode(), status);
-        output = program.readAllStandardOutput();
+        const QByteArray output = program.readAllStandardOutput();
+        QVERIFY2(output.contains(words), output.constData());
     }
 
 private Q_SLOTS:
     void theCommandLineAnswersWithoutTouchingTheDataFolder() {
-        struct {
-            QString option;
-            int status;
-            QByteArray words;
-        } const rows[] = {
-            {u"--version"_s, 0, "Quorlin 0.1.5\n"},
-            {u"--help"_s, 0, "Запись созвонов и локальная библиотека аудио"},
-            {u"--help"_s, 0, "--data-dir <path>"},
-            {u"--list-sources"_s, 0, "Default: \n"}, // no sound server here
-            {u"--no-such-option"_s, 1, ""},
-        };
-        for (const auto& row : rows) {
-            QByteArray output;
-            run({u"--data-dir"_s, data, row.option}, row.status, output);
-            QVERIFY2(output.contains(row.words), output.constData());
-        }
+        run(u"--version"_s, 0, "Quorlin 0.1.5\n");
+        run(u"--help"_s, 0, "Запись созвонов и локальная библиотека аудио");
+        run(u"--help"_s, 0, "--data-dir <path>");
+        run(u"--list-sources"_s, 0, "Default: \n"); // no sound server here
+        run(u"--no-such-option"_s, 1, "");
         QVERIFY(!QFile::exists(data));
     }
 
     void theSmokeTestOpensTheWindowForTwoSeconds() {
         QElapsedTimer clock;
         clock.start();
-        QByteArray output;
-        run({u"--data-dir"_s, data, u"--smoke-test"_s}, 0, output);
+        run(u"--smoke-test"_s, 0, "");
         QVERIFY(clock.elapsed() >= 1900);
         QCOMPARE(QDir(data).entryList(QDir::Files), QStringList{u"library.sqlite3"_s});
     }
 
-    void aSignalToEndArrivesOnce_data() {
-        QTest::addColumn<int>("number");
-        QTest::newRow("SIGTERM") << SIGTERM;
-        QTest::newRow("SIGINT") << SIGINT;
-    }
     void aSignalToEndArrivesOnce() {
-        QFETCH(int, number);
-        qn::TerminationSignals termination;
-        QSignalSpy received(&termination, &qn::TerminationSignals::received);
-        ::raise(number);
-        QCOMPARE(received.count(), 0);
-        QTRY_COMPARE(received.count(), 1);
+        for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+            qn::TerminationSignals termination;
+            QSignalSpy received(&termination, &qn::TerminationSignals::received);
+            ::raise(number);
+            QCOMPARE(received.count(), 0);
+            QTRY_COMPARE(received.count(), 1);
+        }
     }
 };
 

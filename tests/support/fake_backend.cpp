@@ -10,19 +10,10 @@ namespace {
 
 class FakeBackend : public CaptureBackend {
 public:
-    FakeBackend() {
-        ++FakePlatform::instance().alive;
-        backends().append(this);
-    }
+    FakeBackend() { ++FakePlatform::instance().alive; }
     ~FakeBackend() override {
         FakeBackend::stop();
         --FakePlatform::instance().alive;
-        backends().removeOne(this);
-    }
-
-    static QList<FakeBackend*>& backends() {
-        static QList<FakeBackend*> list;
-        return list;
     }
 
     Catalog catalog() const override { return FakePlatform::instance().catalog; }
@@ -33,17 +24,11 @@ public:
         if (!error.isEmpty())
             return false;
         FakePlatform::instance().started.append(sourceId);
-        ++FakePlatform::instance().capturing;
-        capturing = true;
+        FakePlatform::instance().capturing.append(this);
         return true;
     }
 
-    void stop() override {
-        FakePlatform::instance().capturing -= capturing ? 1 : 0;
-        capturing = false;
-    }
-
-    bool capturing = false;
+    void stop() override { FakePlatform::instance().capturing.removeOne(this); }
 };
 
 } // namespace
@@ -61,14 +46,12 @@ void playTone() {
     end = now.count();
     for (qint64 i = 0; i < (end - block.timestampNs) * 48 / 1'000'000; ++i)
         block.samples.append(0.5F * std::sin(0.06F * static_cast<float>(i)));
-    for (FakeBackend* backend : FakeBackend::backends()) {
-        if (backend->capturing)
-            Q_EMIT backend->block(block);
-    }
+    for (CaptureBackend* backend : QList(FakePlatform::instance().capturing))
+        Q_EMIT backend->block(block);
 }
 
 void breakDown(const QString& message) {
-    for (FakeBackend* backend : FakeBackend::backends()) {
+    for (CaptureBackend* backend : QList(FakePlatform::instance().capturing)) {
         backend->stop();
         Q_EMIT backend->failed(message);
     }
@@ -76,8 +59,6 @@ void breakDown(const QString& message) {
 
 } // namespace qn::testing
 
-namespace qn {
-std::unique_ptr<CaptureBackend> makeCaptureBackend() {
+std::unique_ptr<qn::CaptureBackend> qn::makeCaptureBackend() {
     return std::make_unique<testing::FakeBackend>();
 }
-} // namespace qn

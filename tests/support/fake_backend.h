@@ -18,7 +18,7 @@ struct FakePlatform {
 
     QStringList started; // ids, in order
     int alive = 0;       // backends that exist
-    int capturing = 0;
+    QList<CaptureBackend*> capturing;
 
     static FakePlatform& instance();
 };

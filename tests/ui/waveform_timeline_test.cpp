@@ -1,12 +1,11 @@
+#include "tests/support/files.h"
 #include "ui/peak_accumulator.h"
 #include "ui/waveform_timeline.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QThread>
 
 #include <csignal>
@@ -14,6 +13,7 @@
 #include <memory>
 
 using namespace qn;
+using namespace qn::testing;
 using namespace Qt::StringLiterals;
 
 class WaveformTimelineTest : public QObject {
@@ -75,17 +75,11 @@ private Q_SLOTS:
         timeline->findChild<QThread*>()->wait(); // its result is queued, and too late
         for (const QByteArray script :
              {"exec cat /dev/zero >&2", "exec sleep 60", "exec cat /dev/zero"}) {
-            QFile tool(u"tool"_s), pid(u"pid"_s);
-            QVERIFY(tool.open(QIODevice::WriteOnly) &&
-                    tool.write("#!/bin/sh\necho $$ >pid\n" + script) > 0);
-            tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-            tool.close();
-            qputenv("QUORLIN_FFMPEG", "./tool");
+            useTool("echo $$ >pid\n" + script);
             timeline->setAudioFile(QString::fromLatin1(script));
-            QTRY_VERIFY(pid.size() > 0);
-            QVERIFY(pid.open(QIODevice::ReadOnly));
-            const int process = pid.readLine().trimmed().toInt();
-            pid.remove();
+            QTRY_VERIFY(!contents(u"pid"_s).isEmpty());
+            const int process = contents(u"pid"_s).trimmed().toInt();
+            QFile::remove(u"pid"_s);
             QElapsedTimer timer;
             timer.start();
             if (script.endsWith("zero"))

@@ -1,3 +1,4 @@
+#include "tests/support/database.h"
 #include "tests/support/fake_backend.h"
 #include "ui/microphone_permission.h"
 #include "ui/window.h"
@@ -9,11 +10,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
 #include <QSettings>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -41,23 +39,6 @@ Answer press(QMessageBox::StandardButton button, const QString& expectedText) {
     };
 }
 
-// The test's own look into the library file.
-QString query(const QString& folder, const QString& sql) {
-    QString result;
-    {
-        auto db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"look"_s);
-        db.setDatabaseName(folder + u"/library.sqlite3"_s);
-        db.open();
-        QSqlQuery select(db);
-        if (!select.exec(sql))
-            result = select.lastError().text();
-        while (select.next())
-            result += (result.isEmpty() ? u""_s : u","_s) + select.value(0).toString();
-    }
-    QSqlDatabase::removeDatabase(u"look"_s);
-    return result;
-}
-
 } // namespace
 
 MicrophonePermission qn::requestMicrophone(QObject*, const std::function<void(bool)>& answered) {
@@ -73,29 +54,31 @@ class WindowTest : public QObject {
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<Window> window;
 
-    QPushButton* button(const QString& text) {
-        for (auto* candidate : window->findChildren<QPushButton*>()) {
-            if (candidate->text() == text)
-                return candidate;
-        }
-        return nullptr;
+    template <typename Widget> Widget* find(const QString& text) {
+        const auto all = window->findChildren<Widget*>();
+        const auto found = std::find_if(all.begin(), all.end(),
+                                        [&](Widget* widget) { return widget->text() == text; });
+        return found == all.end() ? nullptr : *found;
     }
+    QPushButton* button(const QString& text) { return find<QPushButton>(text); }
+    bool shows(const QString& text) { return find<QLabel>(text); }
+    QPushButton* recordButton() { return window->findChild<QPushButton*>(u"record"_s); }
     QTableWidget* table() { return window->findChild<QTableWidget*>(u"recordings"_s); }
     QString cell(int row, int column) { return table()->item(row, column)->text(); }
-    bool shows(const QString& text) {
-        const auto labels = window->findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(),
-                           [&](QLabel* label) { return label->text() == text; });
+    QString library(const QString& sql) {
+        return query(folder->filePath(u"library.sqlite3"_s), sql);
     }
-    QString path() { return query(folder->path(), u"SELECT path FROM recordings"_s); }
-    QString status() { return query(folder->path(), u"SELECT status FROM recordings"_s); }
+    QString path() {
+        return library(u"SELECT path FROM recordings ORDER BY started DESC"_s).section(u',', 0, 0);
+    }
+    QString status() { return library(u"SELECT DISTINCT status FROM recordings"_s); }
 
     void open() {
         window = std::make_unique<Window>(folder->path());
         window->show();
     }
     void record(int ms) {
-        window->findChild<QPushButton*>(u"record"_s)->click();
+        recordButton()->click();
         QTRY_VERIFY(shows(u"● Записываем"_s));
         QTest::qWait(ms);
     }
@@ -148,54 +131,45 @@ private Q_SLOTS:
         QCOMPARE(cell(0, 0), u"Планёрка"_s);
         QCOMPARE(cell(0, 4), u"OPUS"_s);
         QVERIFY(QFile::exists(path()) && path().endsWith(u".opus"_s));
-        QCOMPARE(query(folder->path(), u"SELECT kind FROM events"_s),
-                 u"source,pause,resume,source"_s);
+        QCOMPARE(library(u"SELECT kind FROM events"_s), u"source,pause,resume,source"_s);
         QVERIFY(window->findChild<QTextEdit*>()->toPlainText().contains(path()));
         QVERIFY(button(u"Удалить"_s)->isEnabled() && !button(u"Восстановить"_s)->isEnabled());
     }
 
-    void aRecordingThatCannotStartSaysWhyAndLeavesNoRow_data() {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("no source chosen") << u"source/kind"_s << QVariant(2)
-                                          << u"Выберите устройство или приложение в настройках"_s;
-        QTest::newRow("no folder") << u"audio/directory"_s << QVariant(u"/dev/null/calls"_s)
-                                   << u"Не удалось создать папку записей"_s;
-        QTest::newRow("folder refuses files") << u"audio/directory"_s << QVariant(u"/proc"_s)
-                                              << u"Папка записей недоступна для записи"_s;
-    }
     void aRecordingThatCannotStartSaysWhyAndLeavesNoRow() {
-        QFETCH(QString, key);
-        QFETCH(QVariant, value);
-        QFETCH(QString, message);
-        QSettings().setValue(key, value);
         FakePlatform::instance().catalog.applications.clear();
-        open();
-        answers = {press(QMessageBox::Ok, message)};
-        window->findChild<QPushButton*>(u"record"_s)->click();
-        QCOMPARE(table()->rowCount(), 0);
-        QVERIFY(window->findChild<QPushButton*>(u"record"_s)->isEnabled());
+        const std::tuple<QString, QVariant, QString> rows[] = {
+            {u"audio/directory"_s, u"/dev/null/calls"_s, u"Не удалось создать папку записей"_s},
+            {u"audio/directory"_s, u"/proc"_s, u"Папка записей недоступна для записи"_s},
+            {u"source/kind"_s, 2, u"Выберите устройство или приложение в настройках"_s},
+        };
+        for (const auto& [key, value, message] : rows) {
+            QSettings().setValue(key, value);
+            open();
+            answers = {press(QMessageBox::Ok, message)};
+            recordButton()->click();
+            QVERIFY(answers.isEmpty() && recordButton()->isEnabled());
+            QCOMPARE(table()->rowCount(), 0);
+        }
     }
 
     void theMicrophoneIsAskedForFirst() {
         QSettings().setValue(u"microphone/enabled"_s, true);
         open();
-        auto* recordButton = window->findChild<QPushButton*>(u"record"_s);
         permission = MicrophonePermission::Denied;
         answers = {press(QMessageBox::Ok,
                          u"Доступ к микрофону запрещён. Разрешите его в настройках "
                          "системы либо отключите микрофон."_s)};
-        recordButton->click();
+        recordButton()->click();
         permission = MicrophonePermission::Undetermined;
-        recordButton->click();
-        QVERIFY(!recordButton->isEnabled());
+        recordButton()->click();
+        QVERIFY(!recordButton()->isEnabled());
         answers = {press(QMessageBox::Ok, u"Разрешите доступ к микрофону в настройках системы либо "
                                           "отключите микрофон в настройках записи."_s)};
         answerPermission(false);
-        QVERIFY(recordButton->isEnabled());
+        QVERIFY(recordButton()->isEnabled());
         QCOMPARE(table()->rowCount(), 0);
-        recordButton->click();
+        recordButton()->click();
         permission = MicrophonePermission::Granted;
         answerPermission(true);
         QTRY_VERIFY(shows(u"● Записываем"_s));
@@ -204,55 +178,44 @@ private Q_SLOTS:
     void aLibraryThatRefusesCostsNeitherFileNorRow() {
         open();
         record(100);
-        query(folder->path(), u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
-                              "RAISE(ABORT,'refused'); END"_s);
+        library(u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
+                "RAISE(ABORT,'refused'); END"_s);
         answers = {[](QDialog* dialog) {
             QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().contains(u"refused"_s));
             dialog->accept();
         }};
         QTRY_COMPARE(answers.size(), 0);
         QTest::qWait(1200);
-        query(folder->path(), u"DROP TRIGGER no"_s);
+        library(u"DROP TRIGGER no"_s);
         stop();
         QTRY_COMPARE(status(), u"ready"_s);
         QVERIFY(QFile::exists(path()));
     }
 
-    void closingSavesTheRecording_data() {
-        QTest::addColumn<bool>("asked");
-        QTest::addColumn<bool>("told");
-        QTest::newRow("after the question") << true << false;
-        QTest::newRow("without a question when the program is told to end") << false << true;
-        QTest::newRow("when the program is told to end behind the question") << true << true;
-    }
-    void closingSavesTheRecording() {
-        QFETCH(bool, asked);
-        QFETCH(bool, told);
-        open();
-        record(300);
+    void everyEndSavesTheRecording() {
         const QString question = u"Остановить запись, сохранить файл и закрыть приложение?"_s;
-        if (asked && told) {
-            answers = {[this](QDialog*) { window->saveAndClose(); }};
-            window->close();
-        } else if (asked) {
-            answers = {press(QMessageBox::No, question), press(QMessageBox::Yes, question)};
-            QVERIFY(!window->close());
-            QVERIFY(shows(u"● Записываем"_s));
-            window->close();
-        } else {
-            window->saveAndClose();
+        const std::function<void()> ends[] = {
+            [&] {
+                answers = {press(QMessageBox::No, question), press(QMessageBox::Yes, question)};
+                QVERIFY(!window->close());
+                QVERIFY(shows(u"● Записываем"_s));
+                window->close();
+            },
+            [&] { // told to end behind the question
+                answers = {[this](QDialog*) { window->saveAndClose(); }};
+                window->close();
+            },
+            [&] { window->saveAndClose(); },
+            [&] { window.reset(); },
+        };
+        for (const auto& end : ends) {
+            open();
+            record(300);
+            end();
+            QTRY_VERIFY(!window || !window->isVisible());
+            QCOMPARE(status(), u"ready"_s);
+            QVERIFY(QFile::exists(path()));
         }
-        QTRY_VERIFY(!window->isVisible());
-        QCOMPARE(status(), u"ready"_s);
-        QVERIFY(QFile::exists(path()));
-    }
-
-    void destructionFinishesARunningRecording() {
-        open();
-        record(300);
-        window.reset();
-        QCOMPARE(status(), u"ready"_s);
-        QVERIFY(QFile::exists(path()));
     }
 
     void anInterruptedRecordingIsRepairedExportedRenamedAndDeleted() {
@@ -262,7 +225,7 @@ private Q_SLOTS:
         window.reset();
         const QString whole = path();
         QVERIFY(QFile::rename(whole, whole + u".part"_s));
-        query(folder->path(), u"UPDATE recordings SET status='recording',path=path||'.part'"_s);
+        library(u"UPDATE recordings SET status='recording',path=path||'.part'"_s);
         open();
         QCOMPARE(cell(0, 5), u"Нуждается в восстановлении"_s);
         button(u"Восстановить"_s)->click();
