@@ -1,10 +1,10 @@
 #include "tests/support/sound_server.h"
 
-#include <QFile>
 #include <QTest>
 
 #include <cmath>
 #include <csignal>
+#include <fstream>
 #include <unistd.h>
 
 namespace qn::testing {
@@ -35,8 +35,6 @@ void SoundServer::start() {
     if (!QTest::qWaitFor(isUp, 10000))
         qFatal("no sound server starts: %s", server.readAllStandardError().constData());
     addSink(u"speakers"_s);
-    addSink(u"feed"_s, true);
-    control(u"load-module module-remap-source master=feed.monitor source_name=mic"_s);
     QTRY_VERIFY(control(u"set-default-sink speakers"_s).isEmpty() &&
                 control(u"info"_s).contains(u"Default Sink: speakers"_s));
 }
@@ -53,9 +51,8 @@ void SoundServer::signal(int number) {
 }
 
 QProcess& SoundServer::play(const QString& program, float peak, const QString& options) {
-    QFile tone(home.filePath(QString::number(players.size())));
-    if (!tone.open(QIODevice::WriteOnly))
-        qFatal("no tone can be written");
+    const QString path = home.filePath(QString::number(players.size()));
+    std::ofstream tone(path.toStdString());
     for (int i = 0; i < 48000 * 30; ++i) {
         const float sample = peak * std::sin(0.06F * static_cast<float>(i));
         tone.write(reinterpret_cast<const char*>(&sample), sizeof sample);
@@ -64,8 +61,7 @@ QProcess& SoundServer::play(const QString& program, float peak, const QString& o
         u"--playback --raw --format=float32ne --rate=48000 --channels=1 --latency-msec=50 %1 "
         "--property=application.process.binary=%2 --property=application.name=%2 %3"_s;
     auto& player = players.emplace_back(std::make_unique<QProcess>());
-    player->start(u"pacat"_s,
-                  command.arg(tone.fileName(), program, options).split(u' ', Qt::SkipEmptyParts));
+    player->start(u"pacat"_s, command.arg(path, program, options).split(u' ', Qt::SkipEmptyParts));
     return *player;
 }
 
@@ -76,11 +72,9 @@ QString SoundServer::control(const QString& arguments) {
     return QString::fromUtf8(pactl.readAllStandardOutput()).trimmed();
 }
 
-QString SoundServer::addSink(const QString& name, bool rewinds) {
-    // With rewinds PulseAudio renders up to 2 s ahead, without them it feeds no steady microphone.
-    return control(
-        u"load-module module-null-sink rate=48000 sink_name=%1 norewinds=%2"_s.arg(name).arg(
-            rewinds ? 0 : 1));
+QString SoundServer::addSink(const QString& name) {
+    // With rewinds PulseAudio renders up to 2 s ahead.
+    return control(u"load-module module-null-sink rate=48000 norewinds=1 sink_name="_s + name);
 }
 
 } // namespace qn::testing

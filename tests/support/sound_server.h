@@ -10,8 +10,8 @@ namespace qn::testing {
 
 using namespace Qt::StringLiterals;
 
-// A sound server of the test's own, with the default sink "speakers" and the microphone "mic";
-// this process and its children use it and no other. Its end proves that no process is left.
+// A sound server of the test's own, with the default sink "speakers"; this process and its children
+// use it and no other. Its end proves that no process is left.
 class SoundServer {
 public:
     enum Kind { PulseAudio, PipeWire };
@@ -30,7 +30,7 @@ public:
     QString control(const QString& arguments);
 
     // The number to unload it by.
-    QString addSink(const QString& name, bool rewinds = false);
+    QString addSink(const QString& name);
 
 private:
     Kind kind;
