@@ -1,5 +1,6 @@
 #include "ui/level_meter.h"
 
+#include <QEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -13,7 +14,6 @@ constexpr int kHeight = 14; // px
 LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent) {
     setTextVisible(false);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setValue(0);
 }
 
@@ -27,6 +27,14 @@ void LevelMeter::setLevel(float level) {
     setAttribute(Qt::WA_UpdatesDisabled, false);
     const auto [from, to] = std::minmax({before, filledWidth()});
     update(from, 0, to - from, height());
+}
+
+bool LevelMeter::event(QEvent* event) {
+    const bool handled = QProgressBar::event(event);
+    // Styles clear it when they polish a bar, and every level would repaint the panel behind it.
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
+        setAttribute(Qt::WA_OpaquePaintEvent);
+    return handled;
 }
 
 QSize LevelMeter::sizeHint() const {
