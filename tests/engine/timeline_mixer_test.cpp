@@ -7,57 +7,52 @@
 #include <cmath>
 #include <limits>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 // Name, steps, expected result. Steps are blocks of one frame repeated,
 // "input:index:count:frame[:rate[:key[:mask]]]", and reads, "r:count". The result is runs,
 // "index:count:value"; all else is silence.
-using Script = std::array<QString, 3>;
+using Script = std::array<QByteArray, 3>;
 
-QString blocksOfManySources(int others) {
-    QString steps = u"1:0:480:.2:48000:app "_s;
+QByteArray blocksOfManySources(int others) {
+    QByteArray steps = "1:0:480:.2:48000:app ";
     for (int k = 0; k < others; ++k)
-        steps += u"1:0:1:0:48000:%1 "_s.arg(k);
-    return steps + u"1:1100:480:.2:48000:app"_s;
+        steps += "1:0:1:0:48000:" + QByteArray::number(k) + ' ';
+    return steps + "1:1100:480:.2:48000:app";
 }
 
 const Script kScripts[]{
-    {u"jitter up to 20 ms is seamless"_s, u"0:9:480:.2 0:1449:480:.4"_s, u"9:480:.2 489:480:.4"_s},
-    {u"more than 20 ms is a gap"_s, u"0:9:480:.2 0:1450:480:.4"_s, u"9:480:.2 1450:480:.4"_s},
-    {u"too early adds up"_s, u"0:0:2000:.2 0:1039:961:.4"_s, u"0:1039:.2 1039:961:.6"_s},
-    {u"drift moves one sample, once a second"_s, u"0:0:48000:.2 0:48481:9:.4 0:48900:9:.6"_s,
-     u"0:48000:.2 48001:9:.4 48010:9:.6"_s},
-    {u"drift moves back"_s, u"0:0:50000:.2 0:49519:1:.4"_s, u"0:49999:.2 49999:1:.6"_s},
-    {u"10 ms is no drift"_s, u"0:0:48000:.2 0:48480:9:.4"_s, u"0:48000:.2 48000:9:.4"_s},
-    {u"sources are independent"_s, u"0:0:9:.2 1:5:9:.2 1:10:9:.4:48000:b"_s,
-     u"0:5:.2 5:4:.4 9:1:.2 10:4:.6 14:5:.4"_s},
-    {u"the sum is clamped"_s, u"0:0:9:.7 1:0:9:.7 0:2000:9:-.7 1:2000:9:-.7"_s,
-     u"0:9:1 2000:9:-1"_s},
-    {u"what was read is lost"_s, u"r:500 0:0:600:.2"_s, u"500:100:.2"_s},
-    {u"4 s ahead is lost"_s, u"0:191990:20:.2 r:100 0:192010:20:.4"_s,
-     u"191990:10:.2 192010:20:.4"_s},
-    {u"a new rate starts afresh"_s, u"0:0:9:.2 0:9:480:0:44100 0:700:9:.4"_s, u"0:9:.2 700:9:.4"_s},
-    {u"a frame is averaged"_s, u"0:0:9:.2,.6"_s, u"0:9:.4"_s},
-    {u"low frequency is dropped"_s, u"0:0:9:.1,.2,.4,.9:48000::15"_s, u"0:9:.2153009"_s},
-    {u"channels beyond the mask count"_s, u"0:0:9:.5,.2:48000::4"_s, u"0:9:.3242641"_s},
-    {u"only finite samples count"_s, u"0:0:9:.6,nan 1:0:9:inf"_s, u"0:9:.3"_s},
-    {u"33 channels are refused"_s, u"1:0:9999:.5:7999 1:0:9:.5"_s + u",.5"_s.repeated(32),
-     u"0:0:0"_s},
-    {u"129 sources are kept"_s, blocksOfManySources(128), u"0:960:.2"_s},
-    {u"the 130th clears them"_s, blocksOfManySources(129), u"0:480:.2 1100:480:.2"_s},
+    {"jitter up to 20 ms is seamless", "0:9:480:.2 0:1449:480:.4", "9:480:.2 489:480:.4"},
+    {"more than 20 ms is a gap", "0:9:480:.2 0:1450:480:.4", "9:480:.2 1450:480:.4"},
+    {"too early adds up", "0:0:2000:.2 0:1039:961:.4", "0:1039:.2 1039:961:.6"},
+    {"drift moves one sample, once a second", "0:0:48000:.2 0:48481:9:.4 0:48900:9:.6",
+     "0:48000:.2 48001:9:.4 48010:9:.6"},
+    {"drift moves back", "0:0:50000:.2 0:49519:1:.4", "0:49999:.2 49999:1:.6"},
+    {"10 ms is no drift", "0:0:48000:.2 0:48480:9:.4", "0:48000:.2 48000:9:.4"},
+    {"sources are independent", "0:0:9:.2 1:5:9:.2 1:10:9:.4:48000:b",
+     "0:5:.2 5:4:.4 9:1:.2 10:4:.6 14:5:.4"},
+    {"the sum is clamped", "0:0:9:.7 1:0:9:.7 0:2000:9:-.7 1:2000:9:-.7", "0:9:1 2000:9:-1"},
+    {"what was read is lost", "r:500 0:0:600:.2", "500:100:.2"},
+    {"4 s ahead is lost", "0:191990:20:.2 r:100 0:192010:20:.4", "191990:10:.2 192010:20:.4"},
+    {"a new rate starts afresh", "0:0:9:.2 0:9:480:0:44100 0:700:9:.4", "0:9:.2 700:9:.4"},
+    {"low frequency is dropped", "0:0:9:.1,.2,.4,.9:48000::15", "0:9:.2153009"},
+    {"channels beyond the mask count", "0:0:9:.5,.2:48000::4", "0:9:.3242641"},
+    {"finite samples are averaged", "0:0:9:.6,nan 1:0:9:inf 0:2000:9:.2,.6", "0:9:.3 2000:9:.4"},
+    {"33 channels are refused", "1:0:9999:.5:7999 1:0:9:.5" + QByteArray(",.5").repeated(32),
+     "0:0:0"},
+    {"129 sources are kept", blocksOfManySources(128), "0:960:.2"},
+    {"the 130th clears them", blocksOfManySources(129), "0:480:.2 1100:480:.2"},
 };
 
-qn::AudioBlock blockOf(const QStringList& step) {
+qn::AudioBlock blockOf(const QByteArrayList& step) {
     qn::AudioBlock block;
     for (int k = 0; k < step[2].toInt(); ++k)
-        for (const QString& sample : step[3].split(u','))
+        for (const QByteArray& sample : step[3].split(','))
             block.samples << sample.toFloat();
-    block.channels = static_cast<int>(step[3].count(u',')) + 1;
+    block.channels = static_cast<int>(step[3].count(',')) + 1;
     block.timestampNs = std::llround(step[1].toDouble() * 1e9 / 48000);
-    block.sampleRate = step.value(4, u"48000"_s).toInt();
-    block.sourceKey = step.value(5);
+    block.sampleRate = step.value(4, "48000").toInt();
+    block.sourceKey = QString::fromUtf8(step.value(5));
     block.channelMask = step.value(6).toULongLong();
     return block;
 }
@@ -79,19 +74,19 @@ private Q_SLOTS:
         for (const auto& [name, steps, runs] : kScripts) {
             qn::TimelineMixer mixer;
             QList<float> mix;
-            for (const QString& text : steps.split(u' '))
-                if (const QStringList step = text.split(u':'); step[0] == u"r")
+            for (const QByteArray& text : steps.split(' '))
+                if (const QByteArrayList step = text.split(':'); step[0] == "r")
                     mix += mixer.read(step[1].toInt());
                 else
                     mixer.push(step[0].toInt(), blockOf(step));
             mix += mixer.read(200'000);
             QList<float> expected(mix.size(), 0.0F);
-            for (const QString& text : runs.split(u' ')) {
-                const QStringList run = text.split(u':');
+            for (const QByteArray& text : runs.split(' ')) {
+                const QByteArrayList run = text.split(':');
                 std::fill_n(expected.begin() + run[0].toInt(), run[1].toInt(), run[2].toFloat());
             }
             const qsizetype off = firstDifference(mix, expected, 1e-6F);
-            QVERIFY2(off < 0, qPrintable(u"%1: at %2"_s.arg(name).arg(off)));
+            QVERIFY2(off < 0, (name + ": at " + QByteArray::number(off)).constData());
         }
     }
 

@@ -65,13 +65,9 @@ class WindowTest : public QObject {
     QPushButton* recordButton() { return window->findChild<QPushButton*>(u"record"_s); }
     QTableWidget* table() { return window->findChild<QTableWidget*>(u"recordings"_s); }
     QString cell(int row, int column) { return table()->item(row, column)->text(); }
-    QString library(const QString& sql) {
-        return query(folder->filePath(u"library.sqlite3"_s), sql);
-    }
-    QString path() {
-        return library(u"SELECT path FROM recordings ORDER BY started DESC"_s).section(u',', 0, 0);
-    }
-    QString status() { return library(u"SELECT DISTINCT status FROM recordings"_s); }
+    QString sql(const QString& text) { return query(folder->filePath(u"library.sqlite3"_s), text); }
+    QString path() { return sql(u"SELECT path FROM recordings ORDER BY started DESC LIMIT 1"_s); }
+    QString status() { return sql(u"SELECT DISTINCT status FROM recordings"_s); }
 
     void open() {
         window = std::make_unique<Window>(folder->path());
@@ -131,7 +127,7 @@ private Q_SLOTS:
         QCOMPARE(cell(0, 0), u"Планёрка"_s);
         QCOMPARE(cell(0, 4), u"OPUS"_s);
         QVERIFY(QFile::exists(path()) && path().endsWith(u".opus"_s));
-        QCOMPARE(library(u"SELECT kind FROM events"_s), u"source,pause,resume,source"_s);
+        QCOMPARE(sql(u"SELECT kind FROM events"_s), u"source,pause,resume,source"_s);
         QVERIFY(window->findChild<QTextEdit*>()->toPlainText().contains(path()));
         QVERIFY(button(u"Удалить"_s)->isEnabled() && !button(u"Восстановить"_s)->isEnabled());
     }
@@ -178,15 +174,15 @@ private Q_SLOTS:
     void aLibraryThatRefusesCostsNeitherFileNorRow() {
         open();
         record(100);
-        library(u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
-                "RAISE(ABORT,'refused'); END"_s);
+        sql(u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
+            "RAISE(ABORT,'refused'); END"_s);
         answers = {[](QDialog* dialog) {
             QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().contains(u"refused"_s));
             dialog->accept();
         }};
         QTRY_COMPARE(answers.size(), 0);
         QTest::qWait(1200);
-        library(u"DROP TRIGGER no"_s);
+        sql(u"DROP TRIGGER no"_s);
         stop();
         QTRY_COMPARE(status(), u"ready"_s);
         QVERIFY(QFile::exists(path()));
@@ -225,7 +221,7 @@ private Q_SLOTS:
         window.reset();
         const QString whole = path();
         QVERIFY(QFile::rename(whole, whole + u".part"_s));
-        library(u"UPDATE recordings SET status='recording',path=path||'.part'"_s);
+        sql(u"UPDATE recordings SET status='recording',path=path||'.part'"_s);
         open();
         QCOMPARE(cell(0, 5), u"Нуждается в восстановлении"_s);
         button(u"Восстановить"_s)->click();
