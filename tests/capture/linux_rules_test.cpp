@@ -38,7 +38,7 @@ private Q_SLOTS:
 
     void oneEntryPerProgramThatPlays() {
         ServerSnapshot snapshot;
-        snapshot.sinks = {{1, u"usb"_s, u"USB\n карта"_s, {}, {}, {}},
+        snapshot.sinks = {{1, u"usb"_s, u"USB\a карта"_s, {}, {}, {}},
                           {2, u"a\tb"_s, {}, {}, {}, {}}};
         snapshot.defaultSink = u"a\tb"_s;
         snapshot.clients[7] = {{}, u"mpv"_s, u"io.mpv"_s, {}, u"70"_s};

@@ -2,16 +2,14 @@
 #include "engine/recorder_worker.h"
 #include "simulated_mac.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <thread>
 
@@ -20,29 +18,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Buffers = QList<SimulatedMac::Buffer>;
-
 template <typename Value> QByteArray bytes(std::initializer_list<Value> values) {
     return {reinterpret_cast<const char*>(values.begin()),
             qsizetype(values.size() * sizeof(Value))};
 }
 
-QByteArray ids(std::initializer_list<AudioObjectID> list) {
-    return bytes(list);
-}
+constexpr auto ids = bytes<AudioObjectID>;
 
-void setTapFormat(double rate, UInt32 flags, UInt32 bits, UInt32 channels,
+void setTapFormat(UInt32 flags, UInt32 bits, UInt32 channels, double rate = 48000,
                   UInt32 format = kAudioFormatLinearPCM) {
-    mac().properties[{0, u"tfmt"_s}] =
+    mac.properties[{0, u"tfmt"_s}] =
         bytes<AudioStreamBasicDescription>({{rate, format, flags, 0, 1, 0, channels, bits, 0}});
-}
-
-QString json(const QJsonObject& object) {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
-
-qint64 steadyNowNs() {
-    return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 } // namespace
@@ -52,61 +38,57 @@ class MacBackendTest : public QObject {
 
     std::unique_ptr<CaptureBackend> backend;
     QString error;
-    QStringList failures;
     QList<AudioBlock> blocks;
 
     bool start(const Selection& selection = {}) {
-        mac().calls.clear();
+        mac.calls.clear();
+        blocks.clear();
         return backend->start(selection, selection.id.isEmpty() ? u"card"_s : selection.id, error);
     }
 
 private Q_SLOTS:
     void init() {
-        mac() = {};
-        mac().properties = {{{1, u"dOut"_s}, ids({12})}, {{0, u"tuid"_s}, u"the tap"_s}};
-        setTapFormat(48000, kAudioFormatFlagIsFloat, 32, 2);
+        mac = {};
+        mac.properties = {{{1, u"dOut"_s}, ids({12})},
+                          {{1, u"dev#"_s}, ids({7, 8, 10, 12, 11})},
+                          {{12, u"stm#"_s}, ids({112})},
+                          {{12, u"uid "_s}, u"card"_s},
+                          {{0, u"tuid"_s}, u"the tap"_s}};
+        setTapFormat(kAudioFormatFlagIsFloat, 32, 2);
         backend = makeCaptureBackend();
         const auto store = [this](const AudioBlock& block) { blocks.append(block); };
         connect(backend.get(), &CaptureBackend::block, this, store, Qt::DirectConnection);
-        connect(backend.get(), &CaptureBackend::failed, this,
-                [this](const QString& message) { failures.append(message); });
-        blocks.clear();
-        failures.clear();
     }
 
     void cleanup() {
         backend.reset();
-        QVERIFY2(mac().isClean(), qPrintable(mac().faults.join(u", ")));
+        QVERIFY2(mac.isClean(), qPrintable(mac.faults.join(u", ")));
     }
 
     void theCatalogueHoldsOutputDevicesAndRegularApplications() {
-        auto& properties = mac().properties;
-        properties[{1, u"dev#"_s}] = ids({7, 8, 9, 10, 12, 11, 13});
-        for (AudioObjectID id = 8; id <= 13; ++id) // device 7 has no output stream
-            properties[{id, u"stm#"_s}] = ids({id + 100, id + 200});
-        properties[{7, u"uid "_s}] = u"microphone"_s;
-        properties[{9, u"uid "_s}] = QString(); // device 8 tells none at all
+        auto& properties = mac.properties;
+        for (const AudioObjectID id : {8U, 10U, 11U})
+            properties[{id, u"stm#"_s}] = ids({101, 102});
+        properties[{7, u"uid "_s}] = u"microphone"_s; // no output stream; device 8 tells no id
         properties[{10, u"uid "_s}] = u""_s;
-        properties[{11, u"uid "_s}] = properties[{13, u"uid "_s}] = u"nameless"_s;
-        properties[{12, u"uid "_s}] = u"built-in"_s;
+        properties[{11, u"uid "_s}] = u"nameless"_s;
         properties[{12, u"lnam"_s}] = u"Динамики 🎧"_s;
-        mac().listsShrink = true; // device 13 goes while it is asked for
-        mac().applications = {{u"a.b"_s, u"Звонки"_s},
-                              {u"agent"_s, u"Agent"_s, 1},
-                              {{}, u"tool"_s},
-                              {u"self"_s, u"Self"_s, 0, 0},
-                              {u"c.d"_s, {}}};
+        mac.applications = {{u"a.b"_s, u"Звонки"_s},
+                            {u"agent"_s, u"Agent"_s, 1},
+                            {{}, u"tool"_s},
+                            {u"self"_s, u"Self"_s, 0, 0},
+                            {u"c.d"_s, {}}};
         const Catalog catalog = backend->catalog();
         QStringList lines = {catalog.defaultOutput};
         for (const auto& entry : catalog.outputs + catalog.applications)
             lines.append(entry.id + u'|' + entry.name);
-        QCOMPARE(lines, QStringList({u"built-in"_s, u"built-in|Динамики 🎧"_s, u"nameless|"_s,
+        QCOMPARE(lines, QStringList({u"card"_s, u"card|Динамики 🎧"_s, u"nameless|"_s,
                                      u"a.b|Звонки"_s, u"c.d|c.d"_s}));
     }
 
     void aRefusedStartSaysWhyAndLeavesNothing() {
-        const QString status = u"Ошибка Core Audio (-50). Проверьте разрешение на запись "_s +
-                               u"системного звука в настройках macOS."_s;
+        const QString status = u"Ошибка Core Audio (-50). Проверьте разрешение на запись "
+                               "системного звука в настройках macOS."_s;
         const QString format = u"Неизвестный формат системного звука"_s;
         const struct {
             QString refused, text;
@@ -123,62 +105,59 @@ private Q_SLOTS:
             {{}, format, 2, kAudioFormatLinearPCM + 1},
         };
         for (const auto& row : rows) {
-            mac().refusals = {{row.refused, -50}};
-            setTapFormat(48000, 1, 32, row.channels, row.formatId);
+            mac.refusals = {{row.refused, -50}};
+            setTapFormat(1, 32, row.channels, 48000, row.formatId);
             QVERIFY(!start());
             QCOMPARE(error, row.text);
-            QVERIFY2(mac().isClean(), qPrintable(row.refused));
+            QVERIFY2(mac.isClean(), qPrintable(row.refused));
         }
-        mac().refusals.clear();
-        setTapFormat(48000, 1, 32, 32);
-        QVERIFY(start());
     }
 
     void aDeviceIsTappedThroughAPrivateAggregateDevice() {
-        const auto calls = [] { return mac().calls.join(u' ').remove(u"Audio"_s); };
+        const auto calls = [] { return mac.calls.join(u' ').remove(u"Audio"_s); };
         QVERIFY(start());
         QCOMPARE(calls(), u"HardwareCreateProcessTap tfmt tuid HardwareCreateAggregateDevice "
                           "CFRelease DeviceCreateIOProcID DeviceStart"_s);
-        QCOMPARE(json(mac().tap), u"{\"device\":\"card\",\"excludes\":1,\"name\":\"Quorlin\","
-                                  "\"private\":true,\"processes\":[],\"stream\":0}"_s);
-        const QString uid = mac().aggregate.take(u"uid").toString();
-        QCOMPARE(json(mac().aggregate),
-                 u"{\"name\":\"Quorlin Capture\",\"private\":true,\"tapautostart\":true,"
-                 "\"taps\":[{\"drift\":true,\"uid\":\"the tap\"}]}"_s);
+        QCOMPARE(mac.tap, u"{'device':'card','excludes':1,'name':'Quorlin','private':true,"
+                          "'processes':[],'stream':0}"_s);
+        const QString device = mac.aggregate;
+        QCOMPARE(device.chopped(38), // a new UUID each time
+                 u"{'name':'Quorlin Capture','private':true,'tapautostart':true,"
+                 "'taps':[{'drift':true,'uid':'the tap'}],'uid':'"_s);
         QVERIFY(start());
-        QVERIFY(uid.size() == 36 && uid != mac().aggregate[u"uid"].toString());
-        mac().calls.clear();
+        QVERIFY(device != mac.aggregate && device.size() == mac.aggregate.size());
+        mac.calls.clear();
         backend->stop();
         backend->stop();
         QCOMPARE(calls(), u"DeviceStop DeviceDestroyIOProcID HardwareDestroyAggregateDevice "
                           "HardwareDestroyProcessTap"_s);
-        QVERIFY(!deliver({{2, bytes({0.5F, 0.5F})}}));
     }
 
     void anApplicationIsFollowedThroughItsProcesses() {
-        auto& properties = mac().properties;
+        auto& properties = mac.properties;
         properties[{21, u"pbid"_s}] = u"org.browser"_s;
         properties[{22, u"pbid"_s}] = u"org.browser.helper"_s;
         properties[{23, u"pbid"_s}] = u"org.browserish"_s; // another product; 24 tells nothing
         properties[{1, u"prs#"_s}] = ids({23, 24});
-        const auto tapped = [] { return mac().tap[u"processes"].toArray().size(); };
+        const QString tap = u"{'name':'Quorlin','private':true,'processes':[%1]}"_s;
+        QSignalSpy failures(backend.get(), &CaptureBackend::failed);
         QVERIFY(start({SourceKind::Application, u"org.browser"_s}));
-        QCOMPARE(tapped(), 0);
+        QCOMPARE(mac.tap, tap.arg(u""_s));
         auto* timer = backend->findChild<QTimer*>();
         QCOMPARE(timer->interval(), 1000);
         timer->setInterval(20);
-        QTRY_VERIFY(mac().calls.count(u"prs#"_s) > 6); // each look is two calls
-        QCOMPARE(mac().calls.count(u"AudioDeviceStart"_s), 1);
+        QTRY_VERIFY(mac.calls.count(u"prs#"_s) > 6); // each look is two calls
+        QCOMPARE(mac.calls.count(u"AudioDeviceStart"_s), 1);
         properties[{1, u"prs#"_s}] = ids({21, 22, 23, 24});
-        QTRY_COMPARE(tapped(), 2);
-        QVERIFY(mac().running);
+        QTRY_VERIFY(mac.tap == tap.arg(u"21,22"_s) || mac.tap == tap.arg(u"22,21"_s));
+        QVERIFY(mac.running);
         properties[{1, u"prs#"_s}] = ids({21, 23});
-        QTRY_COMPARE(json(mac().tap),
-                     u"{\"name\":\"Quorlin\",\"private\":true,\"processes\":[21]}"_s);
-        mac().refusals[u"AudioDeviceStart"_s] = -50;
+        QTRY_COMPARE(mac.tap, tap.arg(21));
+        mac.refusals[u"AudioDeviceStart"_s] = -50;
         properties[{1, u"prs#"_s}] = ids({});
         QTRY_COMPARE(failures.size(), 1);
-        QVERIFY(failures[0].contains(u"(-50)") && mac().isClean() && !timer->isActive());
+        QVERIFY(failures[0][0].toString().contains(u"(-50)"));
+        QVERIFY(mac.isClean() && !timer->isActive());
     }
 
     void buffersBecomeInterleavedFloats() {
@@ -186,23 +165,20 @@ private Q_SLOTS:
         const QByteArray stereo = bytes({0.5F, -0.5F, 0.25F, -0.25F});
         const struct {
             UInt32 flags, bits, channels;
-            Buffers buffers;
+            QList<SimulatedMac::Buffer> buffers;
             QList<float> samples; // none: no block
         } rows[] = {
-            {1, 32, 2, {{2, stereo}}, {0.5F, -0.5F, 0.25F, -0.25F}},
             {1, 64, 1, {{1, bytes({0.5, 1e300})}}, {0.5F, INFINITY}},
             {4, 16, 1, {{1, bytes<qint16>({-32768, 16384})}}, {-1.0F, 0.5F}},
             {4, 32, 1, {{1, bytes<qint32>({-2147483647 - 1, 1 << 30})}}, {-1.0F, 0.5F}},
             {4, 24, 1, {{1, "abcdef"_ba}}, {0, 0}},
-            {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {1, bytes({3.0F, 4.0F})}}, {1, 3, 2, 4}},
             {1, 32, 1, {{0, "junk"_ba}, {1, bytes({1.0F})}}, {1}},
             {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {1, bytes({3.0F})}}, {1, 3, 2, 0}},
             {1, 32, 3, {{2, {}, 16}, {1, bytes({1.0F, 2.0F})}}, {0, 0, 1, 0, 0, 2}},
             {1, 32, 3, {{2, stereo}}, {0.5F, -0.5F, 0, 0.25F, -0.25F, 0}},
             {1, 32, 2, {{1, bytes({1.0F, 2.0F})}, {2, stereo}}, {1, 0.5F, 2, 0.25F}},
-            {1, 32, 1, Buffers(40, {1, bytes({1.0F})}), {1}},
+            {1, 32, 1, QList<SimulatedMac::Buffer>(40, {1, bytes({1.0F})}), {1}},
             {1, 32, 2, {{2, stereo.left(15)}}, {0.5F, -0.5F}},
-            {1, 32, 2, {{1, stereo.left(4)}, {all, {}, all}}, {0.5F, 0}},
             {1, 32, 2, {{0, stereo}, {0, stereo}}, {}},
             {1, 7, 2, {{2, stereo}}, {}},
             {1, 32, 2, {{2, stereo.left(7)}}, {}},
@@ -211,10 +187,9 @@ private Q_SLOTS:
             {1, 32, 2, {}, {}},
         };
         for (const auto& row : rows) {
-            setTapFormat(48000, row.flags, row.bits, row.channels);
+            setTapFormat(row.flags, row.bits, row.channels);
             QVERIFY(start());
-            blocks.clear();
-            QVERIFY(deliver(row.buffers));
+            deliver(row.buffers);
             QCOMPARE(blocks.size(), row.samples.isEmpty() ? 0 : 1);
             QCOMPARE(blocks.value(0).samples, row.samples);
             QVERIFY(blocks.isEmpty() || blocks[0].channels == qint32(row.channels));
@@ -224,7 +199,7 @@ private Q_SLOTS:
     void aBlockBearsTheDevicesTimeOrHasJustEnded() {
         AudioTimeStamp stamp = {};
         stamp.mHostTime = AudioGetCurrentHostTime() - 12'000'000; // half a second ago
-        const qint64 stampNs = steadyNowNs() - 500'000'000;
+        const qint64 stampNs = QDeadlineTimer::current().deadlineNSecs() - 500'000'000;
         const struct {
             double rate;
             qint32 sampleRate; // -1: no block
@@ -234,24 +209,18 @@ private Q_SLOTS:
                     {48000, 48000, 1, 1'000'000'000},
                     {24000.9, 24000, 0, 2'000'000'000},
                     {-INFINITY, 0, 2, 0},
-                    {0.5, -1, 0, 0},
                     {NAN, -1, 0, 0},
                     {1e300, -1, 0, 0}};
         for (const auto& row : rows) {
-            setTapFormat(row.rate, 1, 32, 1);
+            setTapFormat(1, 32, 1, row.rate);
             QVERIFY(start());
-            blocks.clear();
             stamp.mFlags = row.flags;
-            const qint64 before = steadyNowNs();
+            const qint64 before = QDeadlineTimer::current().deadlineNSecs();
             deliver({{1, QByteArray(192'000, '\0')}}, row.flags != 0 ? &stamp : nullptr);
-            const qint64 spent = steadyNowNs() - before + 10'000'000; // the clocks' two readings
-            QCOMPARE(blocks.size(), row.sampleRate < 0 ? 0 : 1);
-            if (blocks.isEmpty())
-                continue;
-            QCOMPARE(blocks[0].sampleRate, row.sampleRate);
+            const qint64 spent = QDeadlineTimer::current().deadlineNSecs() - before + 10'000'000;
+            QCOMPARE(blocks.isEmpty() ? -1 : blocks[0].sampleRate, row.sampleRate);
             const qint64 expected = row.lastsNs == 0 ? stampNs : before - row.lastsNs;
-            const qint64 off = blocks[0].timestampNs - expected;
-            QVERIFY2(std::abs(off) < spent, qPrintable(QString::number(off)));
+            QVERIFY(blocks.isEmpty() || qAbs(blocks[0].timestampNs - expected) < spent);
         }
     }
 
@@ -267,45 +236,37 @@ private Q_SLOTS:
     }
 
     void aRecordingHoldsTheToneWithoutAGap() {
-        mac().properties[{1, u"dev#"_s}] = mac().properties[{12, u"stm#"_s}] = ids({12});
-        mac().properties[{12, u"uid "_s}] = u"card"_s;
-        setTapFormat(44100, 1, 32, 1);
+        setTapFormat(1, 32, 1, 44100);
         constexpr double kRadians = 2 * 3.14159265358979 * 1000; // per second, of a 1 kHz tone
         std::jthread device([](const std::stop_token& stop) {
+            float cycle[441]; // ten periods, 10 ms
+            for (int i = 0; float& sample : cycle)
+                sample = 0.5F * static_cast<float>(std::sin(kRadians * i++ / 44100));
             AudioTimeStamp stamp = {};
             stamp.mHostTime = AudioGetCurrentHostTime() + 12'000'000; // a busy machine may lag
             stamp.mFlags = kAudioTimeStampHostTimeValid;
             auto due = std::chrono::steady_clock::now();
-            for (int frame = 0; !stop.stop_requested(); stamp.mHostTime += 240'000) {
-                float cycle[441];
-                for (float& sample : cycle)
-                    sample = 0.5F * static_cast<float>(std::sin(kRadians * frame++ / 44100));
+            for (; !stop.stop_requested(); stamp.mHostTime += 240'000) {
                 std::this_thread::sleep_until(due += std::chrono::milliseconds(10));
                 deliver({{1, {reinterpret_cast<char*>(cycle), sizeof cycle}}}, &stamp);
             }
         });
         RecorderWorker worker;
         const QTemporaryDir folder;
-        const QString path = folder.filePath(u"call.wav"_s);
-        const Settings settings = {0, {}, false, {}, AudioFormat::Wav, {}};
+        QFile file(folder.filePath(u"call.wav"_s));
         QSignalSpy progress(&worker, &RecorderWorker::progress);
-        QSignalSpy completed(&worker, &RecorderWorker::completed);
-        worker.begin(settings, path + u".part"_s);
+        worker.begin({0, {}, false, {}, AudioFormat::Wav, {}}, file.fileName() + u".part"_s);
         QTRY_COMPARE(progress.count(), 2);
         worker.stop();
-        QCOMPARE(completed.value(0).value(2), QVariant(QString()));
-        QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray wave = file.readAll();
         const auto* samples = reinterpret_cast<const qint16*>(wave.data());
         QVERIFY(wave.size() > 2 * 84'000);
-        qint16 peak = 0;
         for (int i = 36'000; i < 84'000; ++i) { // a tone follows from its last two samples
             const double next = 2 * std::cos(kRadians / 48000) * samples[i - 1] - samples[i - 2];
             QVERIFY2(std::abs(samples[i] - next) < 100, qPrintable(QString::number(i)));
-            peak = std::max(peak, samples[i]);
         }
-        QVERIFY(peak > 16'000);
+        QVERIFY(*std::max_element(samples + 36'000, samples + 84'000) > 16'000);
     }
 };
 

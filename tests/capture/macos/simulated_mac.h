@@ -3,7 +3,6 @@
 #include <CoreAudio/CoreAudio.h>
 
 #include <QHash>
-#include <QJsonObject>
 #include <QMap>
 #include <QSet>
 #include <QStringList>
@@ -27,24 +26,21 @@ struct SimulatedMac {
     QMap<std::pair<AudioObjectID, QString>, std::variant<QByteArray, QString>> properties;
     QList<Application> applications;
     QHash<QString, OSStatus> refusals; // by function or property selector
-    bool listsShrink = false;          // by one entry when their size has been read
 
     // Observations
     QStringList calls, faults;      // functions; property reads by their selector
-    QJsonObject tap, aggregate;     // the last descriptions
+    QString tap, aggregate;         // the last descriptions, as JSON with single quotes
     QMap<AudioObjectID, char> live; // 't'ap, 'a'ggregate device
-    QSet<const void*> strings;      // handed out and not released
-    int tapDescriptions = 0;
+    QSet<const void*> unreleased;   // strings handed out, tap descriptions
     AudioObjectID lastId = 1000, ioDevice = 0;
     AudioDeviceIOProc ioProcedure = nullptr; // at most one
     void* ioClientData = nullptr;
-    bool startCalled = false, running = false;
+    bool running = false;
 
     bool isClean() const; // no fault, and everything was released
 };
 
-SimulatedMac& mac();
+inline SimulatedMac mac;
 
-// Lets the IO thread run one cycle, without a buffer list if there is no buffer; false when the
-// device does not run.
-bool deliver(const QList<SimulatedMac::Buffer>& buffers, const AudioTimeStamp* inputTime = nullptr);
+// Lets the IO thread run one cycle if the device runs, without a buffer list if there is no buffer.
+void deliver(const QList<SimulatedMac::Buffer>& buffers, const AudioTimeStamp* inputTime = nullptr);

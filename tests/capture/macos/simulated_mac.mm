@@ -19,85 +19,78 @@ namespace {
 std::mutex ioMutex; // held by every call, and for a whole IO cycle, as stopping waits for it
 
 // One call: noted, judged, and answered with the status chosen for it.
-template <typename Effect> OSStatus call(const QString& function, bool legal, Effect effect) {
+template <typename Effect> OSStatus call(const char* name, bool legal, Effect effect) {
     const std::lock_guard lock(ioMutex);
-    mac().calls.append(function);
+    const QString function = QString::fromLatin1(name);
+    mac.calls.append(function);
     if (!legal)
-        mac().faults.append(function);
-    const OSStatus status = legal ? mac().refusals.value(function, noErr) : -1;
+        mac.faults.append(function);
+    const OSStatus status = legal ? mac.refusals.value(function, noErr) : -1;
     if (status == noErr)
         effect();
     return status;
 }
 
-OSStatus create(const char* function, NSDictionary* description, QJsonObject& facts, char kind,
+OSStatus create(const char* function, NSDictionary* description, QString& facts, char kind,
                 AudioObjectID* object) {
     NSData* json = [NSJSONSerialization dataWithJSONObject:description options:0 error:nullptr];
-    facts = QJsonDocument::fromJson(
-                {static_cast<const char*>([json bytes]), static_cast<qsizetype>([json length])})
-                .object();
-    return call(QLatin1String(function), true,
-                [&] { mac().live.insert(*object = ++mac().lastId, kind); });
+    const auto* text = static_cast<const char*>([json bytes]);
+    const auto sorted = QJsonDocument::fromJson({text, static_cast<qsizetype>([json length])});
+    facts = QString::fromUtf8(sorted.toJson(QJsonDocument::Compact).replace('"', '\''));
+    return call(function, true, [&] { mac.live.insert(*object = ++mac.lastId, kind); });
 }
 
 OSStatus destroy(const char* function, char kind, AudioObjectID object) {
-    return call(QLatin1String(function),
-                mac().live.value(object) == kind && mac().ioDevice != object,
-                [&] { mac().live.remove(object); });
+    return call(function, mac.live.value(object) == kind && mac.ioDevice != object,
+                [&] { mac.live.remove(object); });
 }
 
 bool isIo(AudioObjectID device, AudioDeviceIOProcID id) {
-    return mac().ioDevice == device && mac().ioProcedure != nullptr && mac().ioProcedure == id;
+    return mac.ioDevice == device && mac.ioProcedure != nullptr && mac.ioProcedure == id;
 }
 
 template <typename Effect>
 OSStatus property(AudioObjectID object, const AudioObjectPropertyAddress& address, Effect effect) {
     const UInt32 code = qToBigEndian(address.mSelector);
-    const QString selector = QString::fromLatin1(reinterpret_cast<const char*>(&code), 4);
+    const QByteArray selector(reinterpret_cast<const char*>(&code), 4);
     const UInt32 scope = address.mSelector == kAudioDevicePropertyStreams
                              ? kAudioObjectPropertyScopeOutput
                              : kAudioObjectPropertyScopeGlobal;
-    const bool alive = object < 1000 || mac().live.contains(object);
-    const auto found = mac().properties.find({object < 1000 ? object : 0, selector});
-    const OSStatus status = call(selector, alive && address.mScope == scope, [] {});
-    if (status != noErr || found == mac().properties.end())
-        return status != noErr ? status : 'who?';
-    effect(*found);
-    return noErr;
+    const AudioObjectID owner = object < 1000 ? object : 0;
+    const bool legal = address.mScope == scope && (owner != 0 || mac.live.contains(object));
+    const auto found = mac.properties.find({owner, QString::fromLatin1(selector)});
+    const OSStatus status = call(selector.constData(), legal, [] {});
+    if (found == mac.properties.end())
+        return 'who?';
+    if (status == noErr)
+        effect(*found);
+    return status;
 }
 
 } // namespace
 
-SimulatedMac& mac() {
-    static SimulatedMac instance;
-    return instance;
-}
-
 bool SimulatedMac::isClean() const {
-    return faults.isEmpty() && live.isEmpty() && strings.isEmpty() && !ioProcedure &&
-           tapDescriptions == 0;
+    return faults.isEmpty() && live.isEmpty() && unreleased.isEmpty() && !ioProcedure;
 }
 
-bool deliver(const QList<SimulatedMac::Buffer>& buffers, const AudioTimeStamp* inputTime) {
+void deliver(const QList<SimulatedMac::Buffer>& buffers, const AudioTimeStamp* inputTime) {
     const std::lock_guard lock(ioMutex);
     struct {
         UInt32 count = 0;
         AudioBuffer buffers[40];
     } list;
-    for (const auto& [channels, bytes, byteSize] : buffers)
-        list.buffers[list.count++] = {channels,
-                                      byteSize.value_or(static_cast<UInt32>(bytes.size())),
-                                      bytes.isNull() ? nullptr : const_cast<char*>(bytes.data())};
+    for (const auto& [channels, bytes, byteSize] : buffers) {
+        auto* data = bytes.isNull() ? nullptr : const_cast<char*>(bytes.data());
+        list.buffers[list.count++] = {channels, byteSize.value_or(UInt32(bytes.size())), data};
+    }
     const auto* input = buffers.isEmpty() ? nullptr : reinterpret_cast<AudioBufferList*>(&list);
-    if (mac().running)
-        std::thread(mac().ioProcedure, mac().ioDevice, inputTime, input, inputTime, nullptr,
-                    nullptr, mac().ioClientData)
-            .join();
-    return mac().running;
+    if (mac.running)
+        std::jthread(mac.ioProcedure, mac.ioDevice, inputTime, input, inputTime, nullptr, nullptr,
+                     mac.ioClientData);
 }
 
 void CFRelease(CFTypeRef object) {
-    call(QStringLiteral("CFRelease"), mac().strings.remove(object),
+    call(__func__, mac.unreleased.remove(object),
          [&] { [static_cast<id>(const_cast<void*>(object)) release]; });
 }
 
@@ -105,9 +98,7 @@ OSStatus AudioObjectGetPropertyDataSize(AudioObjectID object,
                                         const AudioObjectPropertyAddress* address, UInt32,
                                         const void*, UInt32* size) {
     return property(object, *address, [&](auto& value) {
-        auto& list = std::get<QByteArray>(value);
-        *size = static_cast<UInt32>(list.size());
-        list.chop(mac().listsShrink ? 4 : 0);
+        *size = static_cast<UInt32>(std::get<QByteArray>(value).size());
     });
 }
 
@@ -117,18 +108,18 @@ OSStatus AudioObjectGetPropertyData(AudioObjectID object, const AudioObjectPrope
         const auto* text = std::get_if<QString>(&value);
         const void* string = text && !text->isNull() ? [qn::toNative(*text) mutableCopy] : nil;
         if (string)
-            mac().strings.insert(string);
+            mac.unreleased.insert(string);
         const auto bytes = text ? QByteArray(reinterpret_cast<char*>(&string), sizeof string)
                                 : std::get<QByteArray>(value);
         if (*size < bytes.size())
-            mac().faults.append(QStringLiteral("too little room for a property"));
+            mac.faults.append(QStringLiteral("too little room for a property"));
         *size = std::min(*size, static_cast<UInt32>(bytes.size()));
         std::copy_n(bytes.data(), *size, static_cast<char*>(data));
     });
 }
 
 OSStatus AudioHardwareCreateProcessTap(CATapDescription* description, AudioObjectID* tap) {
-    return create(__func__, description->facts, mac().tap, 't', tap);
+    return create(__func__, description->facts, mac.tap, 't', tap);
 }
 
 OSStatus AudioHardwareDestroyProcessTap(AudioObjectID tap) {
@@ -136,7 +127,7 @@ OSStatus AudioHardwareDestroyProcessTap(AudioObjectID tap) {
 }
 
 OSStatus AudioHardwareCreateAggregateDevice(CFDictionaryRef description, AudioObjectID* device) {
-    return create(__func__, reinterpret_cast<NSDictionary*>(description), mac().aggregate, 'a',
+    return create(__func__, reinterpret_cast<NSDictionary*>(description), mac.aggregate, 'a',
                   device);
 }
 
@@ -146,30 +137,28 @@ OSStatus AudioHardwareDestroyAggregateDevice(AudioObjectID device) {
 
 OSStatus AudioDeviceCreateIOProcID(AudioObjectID device, AudioDeviceIOProc procedure,
                                    void* clientData, AudioDeviceIOProcID* id) {
-    return call(QLatin1String(__func__), mac().live.value(device) == 'a' && !mac().ioProcedure,
-                [&] {
-                    mac().ioDevice = device;
-                    mac().ioProcedure = *id = procedure;
-                    mac().ioClientData = clientData;
-                });
+    return call(__func__, mac.live.value(device) == 'a' && !mac.ioProcedure, [&] {
+        mac.ioDevice = device;
+        mac.ioProcedure = *id = procedure;
+        mac.ioClientData = clientData;
+    });
 }
 
 OSStatus AudioDeviceDestroyIOProcID(AudioObjectID device, AudioDeviceIOProcID id) {
-    return call(QLatin1String(__func__), isIo(device, id) && !mac().startCalled, [] {
-        mac().ioDevice = 0;
-        mac().ioProcedure = nullptr;
+    return call(__func__, isIo(device, id) && !mac.running, [] {
+        mac.ioDevice = 0;
+        mac.ioProcedure = nullptr;
     });
 }
 
 OSStatus AudioDeviceStart(AudioObjectID device, AudioDeviceIOProcID id) {
-    const bool legal = isIo(device, id) && !std::exchange(mac().startCalled, true);
-    return call(QLatin1String(__func__), legal, [] { mac().running = true; });
+    return call(__func__, isIo(device, id) && !mac.running, [] { mac.running = true; });
 }
 
 // Stopping what refused to start is allowed, stopping what nobody tried to start is not.
 OSStatus AudioDeviceStop(AudioObjectID device, AudioDeviceIOProcID id) {
-    const bool legal = isIo(device, id) && std::exchange(mac().startCalled, false);
-    return call(QLatin1String(__func__), legal, [] { mac().running = false; });
+    const bool started = mac.running || mac.calls.last() == QStringLiteral("AudioDeviceStart");
+    return call(__func__, isIo(device, id) && started, [] { mac.running = false; });
 }
 
 // The host clock counts 24 MHz ticks and is an hour ahead of the steady clock.
@@ -191,7 +180,7 @@ UInt64 AudioConvertHostTimeToNanos(UInt64 ticks) {
     return self;
 }
 - (instancetype)initStereoMixdownOfProcesses:(NSArray*)included {
-    ++mac().tapDescriptions;
+    mac.unreleased.insert(self);
     facts = [@{@"processes" : included} mutableCopy];
     return self;
 }
@@ -202,7 +191,7 @@ UInt64 AudioConvertHostTimeToNanos(UInt64 ticks) {
     [facts setObject:[NSNumber numberWithBool:flag] forKey:@"private"];
 }
 - (void)dealloc {
-    --mac().tapDescriptions;
+    mac.unreleased.remove(self);
     [facts release];
     [super dealloc];
 }
@@ -219,7 +208,7 @@ UInt64 AudioConvertHostTimeToNanos(UInt64 ticks) {
 }
 - (NSArray*)runningApplications {
     NSMutableArray* applications = [NSMutableArray array];
-    for (const auto& [bundleId, name, policy, pid] : mac().applications) {
+    for (const auto& [bundleId, name, policy, pid] : mac.applications) {
         auto* application = [[[NSRunningApplication alloc] init] autorelease];
         application.activationPolicy = policy;
         application.processIdentifier = pid != 0 ? pid : getpid();
