@@ -92,7 +92,8 @@ private Q_SLOTS:
             {"", u"big.mp3"_s, u"target"_s, u"Ошибка копирования аудио"_s},
             {"", u"link.mp3"_s, u"big.mp3"_s, u"Нельзя заменить исходную запись экспортом"_s},
             {"", u"big.mp3"_s, u"missing/target"_s, u"No such file or directory"_s}};
-        const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY}, fullDisk{2 << 20, RLIM_INFINITY};
+        const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};
+        const rlimit fullDisk{2 << 20, RLIM_INFINITY};
         std::signal(SIGXFSZ, SIG_IGN);
         setrlimit(RLIMIT_FSIZE, &fullDisk);
         for (const auto& [tool, source, target, message] : rows) {

@@ -24,7 +24,6 @@ private Q_SLOTS:
         table.setRows({recording(u"a"_s), recording(u"b"_s), recording(u"c"_s)});
         QCOMPARE(table.selected()->id, u"a"_s);
         table.selectRow(1);
-        QCOMPARE(selections.size(), 1);
         table.setRows({recording(u"x"_s), recording(u"a"_s), recording(u"b"_s)});
         QCOMPARE(table.selected()->id, u"b"_s);
         table.setRows({recording(u"x"_s), recording(u"c"_s)});
