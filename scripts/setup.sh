@@ -6,7 +6,7 @@
 package_list() {
     case $(uname -s)-$1 in
     Linux-build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev \
-        libqt6sql6-sqlite libsoxr-dev libpulse-dev ffmpeg ;;
+        libqt6sql6-sqlite qt6-translations-l10n libsoxr-dev libpulse-dev ffmpeg ;;
     Linux-demo) echo xvfb xdotool pulseaudio pulseaudio-utils python3 python3-numpy ;;
     Linux-pipewire) echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils ;;
     Linux-test) echo clang-14 gobjc++ libgnustep-base-dev clang-format-14 shellcheck librsvg2-bin icnsutils \
