@@ -93,12 +93,15 @@ QString RecordingPanel::title() const {
 
 void RecordingPanel::showState(State state) {
     const bool active = state == State::Recording || state == State::Paused;
+    // A button that is switched off hands the focus on, to the search field: it comes back.
+    focusIsOurs = focusIsOurs || record->hasFocus() || pause->hasFocus() || stop->hasFocus();
     record->setEnabled(isResting(state));
     titleField->setEnabled(isResting(state));
     pause->setEnabled(active);
     stop->setEnabled(active);
     pause->setText(state == State::Paused ? u"Продолжить"_s : u"Пауза"_s);
     status->setText(statusText(state));
+    takeFocusBack(active ? pause : record);
 }
 
 void RecordingPanel::setElapsed(qint64 ms) {
@@ -119,7 +122,16 @@ void RecordingPanel::setSystemCaption(const QString& caption) {
 }
 
 void RecordingPanel::setRecordEnabled(bool enabled) {
+    focusIsOurs = focusIsOurs || record->hasFocus();
     record->setEnabled(enabled);
+    takeFocusBack(record);
+}
+
+void RecordingPanel::takeFocusBack(QPushButton* button) {
+    if (focusIsOurs && button->isEnabled()) {
+        button->setFocus();
+        focusIsOurs = false;
+    }
 }
 
 } // namespace qn

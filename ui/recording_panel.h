@@ -36,6 +36,7 @@ private:
     QWidget* buildTitleRow();
     QWidget* buildButtonRow();
     QWidget* buildMeterRow();
+    void takeFocusBack(QPushButton* button);
 
     QLineEdit* titleField = nullptr;
     QLabel* elapsed = nullptr;
@@ -47,6 +48,7 @@ private:
     LevelMeter* microphoneMeter = nullptr;
     QLabel* systemCaption = nullptr;
     LevelMeter* systemMeter = nullptr;
+    bool focusIsOurs = false; // until the next button is switched on
 };
 
 } // namespace qn
