@@ -19,7 +19,7 @@ class LibraryWriter : public QObject {
     Q_OBJECT
 
 public:
-    explicit LibraryWriter(Library& library);
+    explicit LibraryWriter(Library& target);
 
     void update(const Recording& recording);
     void addEvent(const QString& recordingId, const QString& kind, const QJsonObject& details);

@@ -44,7 +44,7 @@ QString detailsText(const Recording& recording, const QJsonArray& events) {
     const auto error = recording.details.constFind("error"_L1);
     if (error != recording.details.constEnd())
         text += u"\nОшибка: "_s + error->toString();
-    for (const QJsonValue& event : events)
+    for (const auto& event : events)
         text += eventLine(event.toObject(), zone);
     return text;
 }
