@@ -67,18 +67,19 @@ void Window::setPlayerSource(const QString& path) {
     waveform->setValue(0);
 }
 
-// Hands the file over as a device: the player's FFmpeg back end, as of Qt 6.4, can't open a path
-// with letters outside ASCII.
+// As of Qt 6.4 the player's FFmpeg back end can't open a path with letters outside ASCII, and loses
+// 32 KiB for each file that it is handed as a device instead.
 void Window::loadPlayer(const QUrl& url) {
     player.setSource({});
     playedFile.close();
-    if (url.isEmpty())
-        return;
-    playedFile.setFileName(url.toLocalFile());
-    if (playedFile.open(QIODevice::ReadOnly))
+    const QString path = url.toLocalFile();
+    const bool isAscii = std::all_of(path.cbegin(), path.cend(),
+                                     [](QChar letter) { return letter.unicode() < 0x80; });
+    playedFile.setFileName(path);
+    if (!isAscii && playedFile.open(QIODevice::ReadOnly))
         player.setSourceDevice(&playedFile, url);
     else
-        player.setSource(url); // fails with the player's own message
+        player.setSource(url);
 }
 
 void Window::showPosition(qint64 positionMs) {
