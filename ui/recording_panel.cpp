@@ -94,7 +94,7 @@ QString RecordingPanel::title() const {
 void RecordingPanel::showState(State state) {
     const bool active = state == State::Recording || state == State::Paused;
     // A button that is switched off hands the focus on, to the search field: it comes back.
-    focusIsOurs = focusIsOurs || record->hasFocus() || pause->hasFocus() || stop->hasFocus();
+    focusIsOurs = focusIsOurs || (focusWidget() && focusWidget()->hasFocus());
     record->setEnabled(isResting(state));
     titleField->setEnabled(isResting(state));
     pause->setEnabled(active);
