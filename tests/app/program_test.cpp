@@ -1,11 +1,6 @@
 #include "app/termination_signals.h"
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QProcess>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 #include <csignal>
 

@@ -2,15 +2,10 @@
 #include "engine/tools.h"
 #include "tests/support/files.h"
 
-#include <QDir>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-
 #include <cmath>
 #include <numeric>
 
 using namespace qn::testing;
-using namespace Qt::StringLiterals;
 
 class EncoderTest : public QObject {
     Q_OBJECT

@@ -3,15 +3,10 @@
 #include "tests/support/fake_backend.h"
 #include "tests/support/files.h"
 
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTimer>
-
 #include <algorithm>
 
 using namespace qn;
 using namespace qn::testing;
-using namespace Qt::StringLiterals;
 
 namespace {
 

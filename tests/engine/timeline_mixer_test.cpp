@@ -2,10 +2,7 @@
 
 #include <QTest>
 
-#include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 
 namespace {
 

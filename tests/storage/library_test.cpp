@@ -3,11 +3,7 @@
 #include "tests/support/database.h"
 #include "tests/support/files.h"
 
-#include <QRegularExpression>
-#include <QTemporaryDir>
-
 using namespace qn::testing;
-using namespace Qt::StringLiterals;
 
 class LibraryTest : public QObject {
     Q_OBJECT

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QFile>
-#include <QProcess>
-#include <QTest>
+#include <QtTest>
 
 namespace qn::testing {
 

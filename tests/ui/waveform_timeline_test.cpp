@@ -2,19 +2,10 @@
 #include "ui/peak_accumulator.h"
 #include "ui/waveform_timeline.h"
 
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QThread>
-
 #include <csignal>
-#include <limits>
-#include <memory>
 
 using namespace qn;
 using namespace qn::testing;
-using namespace Qt::StringLiterals;
 
 class WaveformTimelineTest : public QObject {
     Q_OBJECT
