@@ -9,7 +9,8 @@ namespace qn {
 
 namespace {
 constexpr int kHeight = 14; // px
-}
+constexpr int kUpdateIntervalMs = 35;
+} // namespace
 
 LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent) {
     setTextVisible(false);
@@ -19,12 +20,20 @@ LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent) {
 
 void LevelMeter::setLevel(float level) {
     const int percent = level > 0.0F ? static_cast<int>(std::min(level, 1.0F) * 100.0F) : 0;
+    if (percent != value()) {
+        // QProgressBar repaints itself whole inside setValue; held back, both meters wait for one
+        // pass that paints what has changed.
+        setAttribute(Qt::WA_UpdatesDisabled, true);
+        setValue(percent);
+        setAttribute(Qt::WA_UpdatesDisabled, false);
+    }
+    // The eye doesn't follow 50 pictures a second; silence, the last level of all, is always shown.
+    const bool isTooSoon = sinceUpdate.isValid() && sinceUpdate.elapsed() < kUpdateIntervalMs;
+    if (percent == shown || (percent > 0 && isTooSoon))
+        return;
+    sinceUpdate.start();
     const int before = filledWidth();
-    // QProgressBar repaints itself whole inside setValue; held back, both meters wait for one pass
-    // that paints what has changed.
-    setAttribute(Qt::WA_UpdatesDisabled, true);
-    setValue(percent);
-    setAttribute(Qt::WA_UpdatesDisabled, false);
+    shown = percent;
     const auto [from, to] = std::minmax({before, filledWidth()});
     update(from, 0, to - from, height());
 }
@@ -49,7 +58,7 @@ void LevelMeter::paintEvent(QPaintEvent*) {
 }
 
 int LevelMeter::filledWidth() const {
-    return width() * value() / maximum();
+    return width() * shown / maximum();
 }
 
 } // namespace qn

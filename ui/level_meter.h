@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QProgressBar>
 
 namespace qn {
@@ -23,6 +24,9 @@ protected:
 
 private:
     int filledWidth() const; // px
+
+    int shown = 0; // the value as painted, at most one step behind
+    QElapsedTimer sinceUpdate;
 };
 
 } // namespace qn
