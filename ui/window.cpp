@@ -115,6 +115,8 @@ void Window::buildUi() {
     details->setReadOnly(true);
     details->setMaximumHeight(kDetailsHeight);
     details->setTabChangesFocus(true);
+    // A bar that comes with a long journal would have all of it laid out twice.
+    details->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     details->setAccessibleName(u"Сведения о записи"_s);
     details->setPlaceholderText(
         u"Выберите созвон для просмотра времени, файла и переключений источников"_s);
