@@ -14,11 +14,15 @@ QString dateTimeText(const QDateTime& instant, const QTimeZone& zone) {
                              : u"—"_s;
 }
 
-QString eventLine(const QJsonObject& event, const QTimeZone& zone) {
-    const QByteArray details =
-        QJsonDocument(event["details"_L1].toObject()).toJson(QJsonDocument::Compact);
-    return u'\n' + dateTimeText(fromIsoText(event["at"_L1].toString()), zone) + u" · "_s +
-           event["kind"_L1].toString() + u" · "_s + QString::fromUtf8(details);
+// In place: a journal may have thousands of lines.
+void appendEvent(QString& text, const QJsonObject& event, const QTimeZone& zone) {
+    const QJsonDocument details(event["details"_L1].toObject());
+    text += u'\n';
+    text += dateTimeText(fromIsoText(event["at"_L1].toString()), zone);
+    text += u" · "_s;
+    text += event["kind"_L1].toString();
+    text += u" · "_s;
+    text += QString::fromUtf8(details.toJson(QJsonDocument::Compact));
 }
 
 } // namespace
@@ -45,7 +49,7 @@ QString detailsText(const Recording& recording, const QJsonArray& events) {
     if (error != recording.details.constEnd())
         text += u"\nОшибка: "_s + error->toString();
     for (const auto& event : events)
-        text += eventLine(event.toObject(), zone);
+        appendEvent(text, event.toObject(), zone);
     return text;
 }
 
