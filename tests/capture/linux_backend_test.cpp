@@ -125,15 +125,21 @@ private Q_SLOTS:
         QTRY_VERIFY(qAbs(peaks.last() - 0.25F) < 0.02F);
         ending.kill();
         ending.waitForFinished();
-        for (const QString& line : server->control(u"list short sink-inputs"_s).split(u'\n'))
-            server->control(u"move-sink-input %1 second"_s.arg(line.section(u'\t', 0, 0)));
+        const auto caller = [this](int field) { // its index or its sink
+            const QString inputs = server->control(u"list short sink-inputs"_s);
+            return inputs.section(u'\n', 1, 1).section(u'\t', field, field);
+        };
+        const QString speakers = caller(1);
+        QTRY_VERIFY( // PipeWire's session manager may lose a move
+            server->control(u"move-sink-input %1 second"_s.arg(caller(0))).isEmpty() &&
+            caller(1) != speakers);
         QTest::qWait(1000);
         peaks.clear();
         QTRY_VERIFY(hears(0.5F));
         QCOMPARE(failures, 0);
         backend->stop();
         QVERIFY(start(u"speakers"_s));
-        QTRY_VERIFY(hears(0.0F)); // no longer the application
+        QTRY_VERIFY(hears(0.9F)); // no longer the application
     }
 };
 
