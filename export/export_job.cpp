@@ -146,7 +146,8 @@ void ExportJob::reportProgress(const QByteArray& line) {
         std::clamp(line.mid(kKey.size()).toLongLong(), -kMostMicroseconds, kMostMicroseconds);
     const qint64 percent =
         microseconds * kTranscodePercent / (std::min(durationMs, kMostMicroseconds / 1000) * 1000);
-    Q_EMIT progress(static_cast<int>(std::min<qint64>(percent, kTranscodePercent)));
+    constexpr qint64 kLeast = std::numeric_limits<int>::min();
+    Q_EMIT progress(static_cast<int>(std::clamp<qint64>(percent, kLeast, kTranscodePercent)));
 }
 
 void ExportJob::processFinished(int exitCode, QProcess::ExitStatus exitStatus) {
