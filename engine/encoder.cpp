@@ -3,6 +3,8 @@
 #include "engine/codec_arguments.h"
 #include "engine/tools.h"
 
+#include <utility>
+
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
@@ -16,6 +18,7 @@ constexpr int kStartTimeoutMs = 5'000;
 constexpr int kFinishTimeoutMs = 30'000;
 constexpr int kKillTimeoutMs = 3'000;
 constexpr qint64 kMaxQueuedBytes = 1'920'000;             // 10 s of audio
+constexpr qsizetype kHandOverBytes = 19'200;              // 100 ms of audio
 constexpr qsizetype kErrorTail = 4'000;                   // characters of ffmpeg's errors shown
 constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20; // bytes of them kept
 
@@ -83,19 +86,27 @@ bool Encoder::write(const QList<float>& samples, QString& error) {
         error = u"Кодировщик не работает: "_s + QString::fromUtf8(errorOutput);
         return false;
     }
-    if (process.bytesToWrite() > kMaxQueuedBytes) {
+    if (process.bytesToWrite() + gathered.size() > kMaxQueuedBytes) {
         error = u"Кодировщик не успевает сохранять аудио"_s;
         return false;
     }
-    const qint64 bytes = samples.size() * qint64{sizeof(float)};
-    if (process.write(reinterpret_cast<const char*>(samples.constData()), bytes) == bytes)
+    gathered.append(reinterpret_cast<const char*>(samples.constData()),
+                    samples.size() * qsizetype{sizeof(float)});
+    if (gathered.size() < kHandOverBytes || handOver())
         return true;
     error = process.errorString();
     return false;
 }
 
+bool Encoder::handOver() {
+    const QByteArray bytes = std::exchange(gathered, {});
+    return process.write(bytes) == bytes.size();
+}
+
 bool Encoder::finish(QString& error) {
     finishing = true;
+    if (process.state() == QProcess::Running)
+        handOver();
     process.closeWriteChannel();
     if (process.state() != QProcess::NotRunning && !process.waitForFinished(kFinishTimeoutMs)) {
         abort();

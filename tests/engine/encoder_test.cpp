@@ -34,13 +34,16 @@ private Q_SLOTS:
             const auto format = static_cast<qn::AudioFormat>(variant / 2);
             const bool cutOff = variant % 2 == 1;
             qn::Encoder encoder;
-            QVERIFY(start(encoder, format) && encoder.write(tone(4), error));
+            QVERIFY(start(encoder, format));
+            const QList<float> call = tone(4);
+            for (qsizetype at = 0; at < call.size(); at += 1000)
+                QVERIFY(encoder.write(call.mid(at, 1000), error));
             if (cutOff)
                 QTRY_VERIFY(part.size() > 20'000); // 2.5 s of Opus
             QVERIFY(cutOff ? encoder.abort() : encoder.finish(error));
             const QList<float> mix = decoded(part.fileName());
             const auto count = static_cast<double>(mix.size());
-            QVERIFY(cutOff ? count > 9600 : std::abs(count - 192'000) < 2880);
+            QVERIFY(cutOff ? count > 9600 : std::abs(count - 192'000) < 960);
             const double energy = std::inner_product(mix.begin(), mix.end(), mix.begin(), 0.0);
             QVERIFY(std::abs(energy / count - .125) < .02);
             QCOMPARE(contents(u"call.part"_s).contains("T10:00:00.123"),
