@@ -1,4 +1,5 @@
 #include "engine/recorder_worker.h"
+#include "ui/level_relay.h"
 #include "ui/library_writer.h"
 #include "ui/microphone_permission.h"
 #include "ui/new_recording.h"
@@ -22,9 +23,13 @@ void Window::connectWorker() {
     connect(worker, &RecorderWorker::stateChanged, this, &Window::stateChanged);
     connect(worker, &RecorderWorker::began, this, &Window::recordingBegan);
     connect(worker, &RecorderWorker::progress, this, &Window::recordingProgress);
-    connect(worker, &RecorderWorker::levels, recordingPanel, &RecordingPanel::setLevels);
     connect(worker, &RecorderWorker::sourceChanged, this, &Window::sourceChanged);
     connect(worker, &RecorderWorker::completed, this, &Window::recordingFinished);
+    auto* levelRelay = new LevelRelay;
+    levelRelay->moveToThread(&workerThread);
+    connect(&workerThread, &QThread::finished, levelRelay, &QObject::deleteLater);
+    connect(worker, &RecorderWorker::levels, levelRelay, &LevelRelay::add);
+    connect(levelRelay, &LevelRelay::levels, recordingPanel, &RecordingPanel::setLevels);
     workerThread.start();
 }
 
