@@ -14,6 +14,10 @@ const SourceEntry* findSource(const QList<SourceEntry>& entries, const QString& 
 
 } // namespace
 
+Selection selectionOf(const Settings& settings) {
+    return {static_cast<SourceKind>(settings.sourceKind), settings.sourceId};
+}
+
 QString resolveSource(const Selection& selection, const Catalog& catalog) {
     const bool application = selection.kind == SourceKind::Application;
     if (selection.kind != SourceKind::System) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/settings.h"
+
 #include <QList>
 #include <QString>
 
@@ -29,6 +31,9 @@ struct Catalog {
     QList<SourceEntry> applications;
     QString defaultOutput; // id of an entry of `outputs`, or empty
 };
+
+// The choice that the settings keep.
+Selection selectionOf(const Settings& settings);
 
 // The id of the source to open now, or empty. A device that is not connected falls back to the
 // default output; an application that is not running has no substitute.

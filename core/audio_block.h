@@ -6,6 +6,10 @@
 
 namespace qn {
 
+// What the mixer takes; it ignores blocks outside.
+inline constexpr qint32 kMaxChannels = 32;
+inline constexpr qint32 kLowestRate = 8000; // frames per second
+
 // One block of captured audio, as a producer delivers it to the mixer.
 struct AudioBlock {
     QList<float> samples;      // interleaved, `channels` values per frame, full scale +-1.0
@@ -15,6 +19,12 @@ struct AudioBlock {
     quint64 channelMask = 0; // speaker positions in channel order, WAVE bits; 0 = unknown layout
     QString sourceKey;       // the producer; the mixer keeps conversion state per key
 };
+
+// The present as timestamps count it.
+qint64 steadyNowNs();
+
+// How long frames last, rounded towards zero. The rate is not 0.
+qint64 durationNs(qint64 frames, qint32 sampleRate);
 
 } // namespace qn
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr qint64 kUnixEpochJulianDay = 2'440'588;
 
-// The decimal number in [from, from + length), or -1 when anything but ASCII digits stands there.
+// The decimal number in [from, from + length), or -1 when it holds anything but ASCII digits.
 int number(QStringView text, qsizetype from, qsizetype length) {
     int value = 0;
     for (const QChar c : text.sliced(from, length)) {
@@ -40,6 +40,7 @@ QDateTime fromPlainText(QStringView text) {
     if (year < 1 || !QDate::isValid(year, month, day) || !QTime::isValid(hour, minute, second, ms))
         return {};
     const qint64 days = QDate(year, month, day).toJulianDay() - kUnixEpochJulianDay;
+    // A copy of a UTC time, because making one costs more than all of the above.
     static const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0).toUTC();
     QDateTime instant = epoch;
     instant.setMSecsSinceEpoch((((days * 24 + hour) * 60 + minute) * 60 + second) * 1000 + ms);

@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QJsonObject>
-#include <QMetaType>
 #include <QString>
 
 namespace qn {
@@ -25,4 +24,3 @@ struct Recording {
 } // namespace qn
 
 Q_DECLARE_TYPEINFO(qn::Recording, Q_RELOCATABLE_TYPE);
-Q_DECLARE_METATYPE(qn::Recording)

@@ -1,8 +1,8 @@
 #include "engine/codec_arguments.h"
 
-using namespace Qt::StringLiterals;
-
 namespace qn {
+
+using namespace Qt::StringLiterals;
 
 QStringList codecArguments(AudioFormat format) {
     switch (format) {

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <QtGlobal>
+#include "core/audio_block.h"
 
 #include <array>
 #include <span>
 
 namespace qn {
-
-inline constexpr int kMaxChannels = 32;
 
 // How much each channel of an interleaved stream counts in its mono mix.
 struct DownMixWeights {

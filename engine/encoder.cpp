@@ -1,6 +1,7 @@
 #include "engine/encoder.h"
 
 #include "engine/codec_arguments.h"
+#include "engine/timeline_rate.h"
 #include "engine/tools.h"
 
 #include <utility>
@@ -9,18 +10,20 @@
 #include <unistd.h>
 #endif
 
+namespace qn {
+
 using namespace Qt::StringLiterals;
 
-namespace qn {
 namespace {
 
 constexpr int kStartTimeoutMs = 5'000;
 constexpr int kFinishTimeoutMs = 30'000;
 constexpr int kKillTimeoutMs = 3'000;
-constexpr qint64 kMaxQueuedBytes = 1'920'000;             // 10 s of audio
-constexpr qsizetype kHandOverBytes = 19'200;              // 100 ms of audio
-constexpr qsizetype kErrorTail = 4'000;                   // characters of ffmpeg's errors shown
-constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20; // bytes of them kept
+constexpr qint64 kBytesPerSecond = kTimelineRate * qint64{sizeof(float)};
+constexpr qint64 kMaxQueuedBytes = 10 * kBytesPerSecond;
+constexpr qsizetype kHandOverBytes = kBytesPerSecond / 10; // 100 ms of audio
+constexpr qsizetype kErrorTail = 4'000;                    // characters of ffmpeg's errors shown
+constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20;  // bytes of them kept
 
 QStringList recordingArguments(const QString& path, AudioFormat format, const QDateTime& started) {
     return QStringList{u"-hide_banner"_s,
@@ -35,7 +38,7 @@ QStringList recordingArguments(const QString& path, AudioFormat format, const QD
                        u"-analyzeduration"_s,
                        u"1"_s,
                        u"-ar"_s,
-                       u"48000"_s,
+                       QString::number(kTimelineRate),
                        u"-ac"_s,
                        u"1"_s,
                        u"-i"_s,

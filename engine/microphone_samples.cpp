@@ -30,8 +30,7 @@ float sampleAt(const char* bytes, qsizetype i, QAudioFormat::SampleFormat format
 
 } // namespace
 
-AudioBlock takeMicrophoneBlock(QByteArray& bytes, const QAudioFormat& format,
-                               std::chrono::steady_clock::time_point end) {
+AudioBlock takeMicrophoneBlock(QByteArray& bytes, const QAudioFormat& format, qint64 endNs) {
     AudioBlock block;
     const int frameSize = format.bytesPerFrame();
     if (frameSize < 1 || format.sampleRate() < 1)
@@ -44,8 +43,7 @@ AudioBlock takeMicrophoneBlock(QByteArray& bytes, const QAudioFormat& format,
     bytes.remove(0, frames * frameSize);
     block.sampleRate = format.sampleRate();
     block.channels = format.channelCount();
-    const std::chrono::nanoseconds endNs = end.time_since_epoch();
-    block.timestampNs = endNs.count() - frames * 1'000'000'000 / format.sampleRate();
+    block.timestampNs = endNs - durationNs(frames, format.sampleRate());
     return block;
 }
 

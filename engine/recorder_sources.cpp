@@ -15,8 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kMicrophoneInput = 0;
-constexpr int kFarSideInput = 1;
 constexpr qint64 kMicrophoneBufferUs = 100'000;
 constexpr qsizetype kLeastMicrophoneBuffer = 4096; // bytes
 
@@ -32,7 +30,7 @@ void RecorderWorker::openBackend() {
     backend = makeCaptureBackend();
     connect(backend.get(), &CaptureBackend::block, this, [this](const AudioBlock& block) {
         if (state == State::Recording)
-            push(kFarSideInput, block);
+            push(TimelineMixer::kFarSide, block);
     });
     // A breakdown never ends the recording: the next refresh opens a source again.
     connect(backend.get(), &CaptureBackend::failed, this, [this](const QString& message) {
@@ -50,7 +48,7 @@ void RecorderWorker::refreshSources() {
 
 void RecorderWorker::refreshFarSide() {
     const Catalog catalog = backend->catalog();
-    const Selection selection{static_cast<SourceKind>(settings.sourceKind), settings.sourceId};
+    const Selection selection = selectionOf(settings);
     const QString resolved = resolveSource(selection, catalog);
     if (!resolved.isEmpty() && resolved == activeSource)
         return;
@@ -69,18 +67,19 @@ void RecorderWorker::refreshFarSide() {
     }
     activeSource = resolved;
     lastWarning.clear();
-    announceFarSide(previous, catalog);
+    announceFarSide(previous, selection, catalog);
 }
 
-void RecorderWorker::announceFarSide(const QString& previous, const Catalog& catalog) {
-    const auto kind = static_cast<SourceKind>(settings.sourceKind);
-    const bool fallback = kind == SourceKind::Device && activeSource != settings.sourceId;
-    const QString name = displayName(
-        kind == SourceKind::Application ? catalog.applications : catalog.outputs, activeSource);
+void RecorderWorker::announceFarSide(const QString& previous, const Selection& selection,
+                                     const Catalog& catalog) {
+    const bool fallback = selection.kind == SourceKind::Device && activeSource != selection.id;
+    const bool application = selection.kind == SourceKind::Application;
+    const QString name =
+        displayName(application ? catalog.applications : catalog.outputs, activeSource);
     Q_EMIT sourceChanged((fallback ? u"Системное устройство: "_s : u"Источник: "_s) + name,
                          {{u"from"_s, previous},
                           {u"to"_s, activeSource},
-                          {u"preferred"_s, settings.sourceId},
+                          {u"preferred"_s, selection.id},
                           {u"fallback"_s, fallback}});
 }
 
@@ -133,6 +132,10 @@ void RecorderWorker::startMicrophone() {
     }
     microphoneId = device.id();
     connect(microphoneDevice, &QIODevice::readyRead, this, &RecorderWorker::readMicrophone);
+    announceMicrophone(device);
+}
+
+void RecorderWorker::announceMicrophone(const QAudioDevice& device) {
     const bool fallback = !settings.microphoneId.isEmpty() && settings.microphoneId != microphoneId;
     Q_EMIT sourceChanged(u"Микрофон: "_s + device.description(),
                          {{u"microphone"_s, device.description()},
@@ -155,9 +158,9 @@ void RecorderWorker::readMicrophone() {
     if (!microphoneDevice || state != State::Recording)
         return;
     microphoneBuffer += microphoneDevice->readAll();
-    const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, Clock::now());
+    const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
     if (!block.samples.isEmpty())
-        push(kMicrophoneInput, block);
+        push(TimelineMixer::kMicrophone, block);
 }
 
 void RecorderWorker::warning(const QString& text) {

@@ -2,6 +2,7 @@
 
 #include "capture/capture_backend.h"
 #include "engine/encoder.h"
+#include "engine/timeline_rate.h"
 
 #include <QAudioSource>
 #include <QFile>
@@ -23,10 +24,9 @@ namespace {
 constexpr auto kTick = 20ms;
 constexpr auto kWatchInterval = 1s;
 constexpr std::chrono::nanoseconds kLatency = 250ms; // time for both inputs to deliver
-constexpr qint64 kSampleRate = 48000;
-constexpr qint64 kSamplesPerMs = kSampleRate / 1000;
-constexpr qint64 kLargestLag = 4 * kSampleRate;
-constexpr qint64 kLargestChunk = kSampleRate / 10;
+constexpr qint64 kSamplesPerMs = kTimelineRate / 1000;
+constexpr qint64 kLargestLag = 4 * kTimelineRate;
+constexpr qint64 kLargestChunk = kTimelineRate / 10;
 constexpr qint64 kLeastFreeBytes = 1024 * 1024;
 constexpr qsizetype kPartSuffixLength = 5; // ".part"
 
@@ -125,7 +125,7 @@ void RecorderWorker::tick() {
     render(false);
     if (state != State::Recording)
         return;
-    Q_EMIT levels(mixer.level(0), mixer.level(1));
+    Q_EMIT levels(mixer.level(TimelineMixer::kMicrophone), mixer.level(TimelineMixer::kFarSide));
     watch(Clock::now());
 }
 
@@ -154,7 +154,7 @@ bool RecorderWorker::diskIsFull() const {
 void RecorderWorker::render(bool flush) {
     const auto latency = flush ? std::chrono::nanoseconds::zero() : kLatency;
     const std::chrono::nanoseconds elapsed = Clock::now() - latency - sessionStart;
-    const qint64 target = std::max<qint64>(0, elapsed.count() * kSampleRate / 1'000'000'000);
+    const qint64 target = std::max<qint64>(0, elapsed.count() * kTimelineRate / 1'000'000'000);
     if (target - mixer.samplesRead() > kLargestLag) {
         finish(u"Обработка звука отстала более чем на 4 секунды"_s);
         return;
@@ -204,11 +204,11 @@ void RecorderWorker::finish(const QString& error) {
     if (encoder)
         encoder.release()->deleteLater();
     backend.reset();
-    QString path = partPath;
-    if (message.isEmpty() && !keepFile(path))
+    const QString finalPath = message.isEmpty() ? keepFile() : QString();
+    if (message.isEmpty() && finalPath.isEmpty())
         message = u"Не удалось завершить сохранение файла"_s;
     setState(message.isEmpty() ? State::Idle : State::Failed);
-    Q_EMIT completed(path, samples / kSamplesPerMs, message);
+    Q_EMIT completed(message.isEmpty() ? finalPath : partPath, samples / kSamplesPerMs, message);
     finishing = false;
 }
 
@@ -218,13 +218,10 @@ void RecorderWorker::drain() {
         render(true);
 }
 
-// Gives the finished file its final name; `path` keeps the temporary one when that fails.
-bool RecorderWorker::keepFile(QString& path) {
+// Gives the finished file its final name and returns that; empty when it kept the temporary one.
+QString RecorderWorker::keepFile() {
     const QString finalPath = partPath.chopped(std::min(kPartSuffixLength, partPath.size()));
-    if (!QFile::rename(partPath, finalPath))
-        return false;
-    path = finalPath;
-    return true;
+    return QFile::rename(partPath, finalPath) ? finalPath : QString();
 }
 
 void RecorderWorker::stopDevices() {

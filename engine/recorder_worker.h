@@ -26,11 +26,12 @@ class CaptureBackend;
 class Encoder;
 struct AudioBlock;
 struct Catalog;
+struct Selection;
 
 // Runs one recording at a time: far side and microphone through the mixer into the encoder. Lives
 // on a thread of its own; every slot and member belongs to that thread, callers queue to it. The
-// file carries ".part" until it is complete. Session lifecycle stands in recorder_worker.cpp, the
-// watch over both sources in recorder_sources.cpp.
+// file carries ".part" until it is complete. The session is in recorder_worker.cpp, the watch over
+// both sources in recorder_sources.cpp.
 class RecorderWorker : public QObject {
     Q_OBJECT
 
@@ -65,7 +66,7 @@ private:
     void render(bool flush);
     void finish(const QString& error);
     void drain();
-    bool keepFile(QString& path);
+    QString keepFile();
     bool diskIsFull() const;
     void stopDevices();
     void push(int input, const AudioBlock& block);
@@ -76,9 +77,11 @@ private:
     void refreshSources();
     void refreshFarSide();
     void refreshMicrophone();
-    void announceFarSide(const QString& previous, const Catalog& catalog);
+    void announceFarSide(const QString& previous, const Selection& selection,
+                         const Catalog& catalog);
     QAudioDevice chosenMicrophone() const;
     void startMicrophone();
+    void announceMicrophone(const QAudioDevice& device);
     void closeMicrophone();
     void readMicrophone();
     void warning(const QString& text);

@@ -1,5 +1,7 @@
 #include "engine/resampler.h"
 
+#include "engine/timeline_rate.h"
+
 #include <soxr.h>
 
 #include <stdexcept>
@@ -7,7 +9,6 @@
 namespace qn {
 namespace {
 
-constexpr qint32 kTimelineRate = 48000;
 constexpr size_t kOutputSlack = 512; // samples the filter may release on top of the block's own
 
 } // namespace

@@ -1,13 +1,15 @@
 #include "engine/timeline_cursor.h"
 
+#include "engine/timeline_rate.h"
+
 #include <cstdlib>
 
 namespace qn {
 namespace {
 
-constexpr qint64 kJump = 961;             // more than 20 ms of samples
-constexpr qint64 kDrift = 481;            // more than 10 ms
-constexpr qint64 kNudgeInterval = 48'000; // one second
+constexpr qint64 kJump = kTimelineRate / 50 + 1;   // more than 20 ms of samples
+constexpr qint64 kDrift = kTimelineRate / 100 + 1; // more than 10 ms
+constexpr qint64 kNudgeInterval = kTimelineRate;   // one second
 
 } // namespace
 

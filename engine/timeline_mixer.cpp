@@ -3,6 +3,7 @@
 #include "engine/down_mix.h"
 #include "engine/resampler.h"
 #include "engine/timeline_cursor.h"
+#include "engine/timeline_rate.h"
 #include "engine/timeline_ring.h"
 
 #include <QHash>
@@ -40,8 +41,8 @@ struct Source {
 };
 
 bool isAcceptable(const AudioBlock& block) {
-    return block.channels >= 1 && block.channels <= kMaxChannels && block.sampleRate >= 8000 &&
-           !block.samples.isEmpty();
+    return block.channels >= 1 && block.channels <= kMaxChannels &&
+           block.sampleRate >= kLowestRate && !block.samples.isEmpty();
 }
 
 qint64 toTimeline(qint64 timestampNs, qint64 originNs) {
@@ -50,7 +51,7 @@ qint64 toTimeline(qint64 timestampNs, qint64 originNs) {
         qSubOverflow(timestampNs, originNs, &difference)
             ? static_cast<double>(timestampNs) - static_cast<double>(originNs)
             : static_cast<double>(difference);
-    return std::llround(sinceOriginNs * 48000 / 1e9);
+    return std::llround(sinceOriginNs * kTimelineRate / 1e9);
 }
 
 float peakOf(std::span<const float> samples) {
@@ -120,9 +121,10 @@ void TimelineMixer::reset(qint64 originNs) {
 }
 
 void TimelineMixer::push(int input, const AudioBlock& block) {
-    if (input < 0 || input > 1 || !isAcceptable(block))
+    if ((input != kMicrophone && input != kFarSide) || !isAcceptable(block))
         return;
     Track& track = *inputs[input];
+    // First, because a producer counts among those kept even while nothing of it is heard.
     const std::shared_ptr<Source> source = track.sourceOf({block.sourceKey});
     const DownMixWeights weights = downMixWeights(block.channels, block.channelMask);
     if (weights.sum == 0)

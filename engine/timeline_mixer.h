@@ -8,11 +8,14 @@
 
 namespace qn {
 
-// Places the blocks of two inputs (0 microphone, 1 far side) on one timeline of 48 kHz mono
-// samples by their capture times, and hands out the sum in order. Sample n is the steady-clock
-// instant origin + n / 48000 s. One thread only; storage is allocated by reset and never grows.
+// Places the blocks of two inputs on one timeline of 48 kHz mono samples by their capture times,
+// and hands out the sum in order. Sample n is the steady-clock instant origin + n / 48000 s. One
+// thread only; the timeline is allocated by reset and never grows.
 class TimelineMixer {
 public:
+    static constexpr int kMicrophone = 0;
+    static constexpr int kFarSide = 1;
+
     TimelineMixer();
     ~TimelineMixer();
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include "engine/timeline_rate.h"
 
 #include <span>
 #include <vector>
@@ -12,7 +12,7 @@ namespace qn {
 // slot never holds any other index: an empty slot is a 0, and no tag is needed to tell.
 class TimelineRing {
 public:
-    static constexpr qint64 kCapacity = 192'000;
+    static constexpr qint64 kCapacity = 4 * kTimelineRate;
 
     TimelineRing();
 

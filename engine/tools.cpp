@@ -5,9 +5,9 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
-using namespace Qt::StringLiterals;
-
 namespace qn {
+
+using namespace Qt::StringLiterals;
 
 QString toolPath(const QString& name) {
     const QByteArray variable = "QUORLIN_" + name.toUpper().toUtf8();

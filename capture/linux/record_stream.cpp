@@ -3,22 +3,15 @@
 #include "capture/linux/channel_order.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace qn {
 
 namespace {
 
-constexpr quint32 kLowestRate = 8000; // below, the mixer takes nothing
-
-qint64 steadyNs() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
-}
-
 pa_sample_spec floatSpec(const SinkFacts& sink) {
-    return {PA_SAMPLE_FLOAT32NE, std::max(sink.spec.rate, kLowestRate), sink.spec.channels};
+    return {PA_SAMPLE_FLOAT32NE, std::max<quint32>(sink.spec.rate, kLowestRate),
+            sink.spec.channels};
 }
 
 AudioBlock blockFormat(const RecordTarget& target) {
@@ -102,7 +95,7 @@ void RecordStream::read() {
     const size_t frameBytes = pa_frame_size(pa_stream_get_sample_spec(stream.get()));
     while (pa_stream_peek(stream.get(), &data, &bytes) == 0 && bytes > 0) {
         const auto frames = static_cast<qint64>(bytes / frameBytes);
-        builder.add(static_cast<const float*>(data), frames, steadyNs()); // a hole has no data
+        builder.add(static_cast<const float*>(data), frames, steadyNowNs()); // a hole has no data
         pa_stream_drop(stream.get());
     }
 }

@@ -24,7 +24,7 @@ constexpr qint64 kPeriodNs = 500 * kMillisecond;
 } // namespace
 
 bool SmoothedClock::packet(qint64 frames, qint64 arrivalNs) {
-    const qint64 earliestNs = arrivalNs - durationOf(received + frames);
+    const qint64 earliestNs = arrivalNs - durationNs(received + frames, sampleRate);
     if (isSettled && earliestNs - originNs > kLostNs)
         return false;
     if (received == 0)
@@ -35,11 +35,6 @@ bool SmoothedClock::packet(qint64 frames, qint64 arrivalNs) {
     else
         settle(earliestNs, arrivalNs);
     return true;
-}
-
-qint64 SmoothedClock::durationOf(qint64 frames) const {
-    constexpr qint64 kSecond = 1000 * kMillisecond;
-    return frames / sampleRate * kSecond + frames % sampleRate * kSecond / sampleRate;
 }
 
 void SmoothedClock::settle(qint64 earliestNs, qint64 arrivalNs) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include "core/audio_block.h"
 
 #include <limits>
 
@@ -21,10 +21,9 @@ public:
     // True when enough packets have arrived for times that stay; until then hold the frames back.
     bool settled() const { return isSettled; }
 
-    qint64 timeOf(qint64 frame) const { return originNs + durationOf(frame); }
+    qint64 timeOf(qint64 frame) const { return originNs + durationNs(frame, sampleRate); }
 
 private:
-    qint64 durationOf(qint64 frames) const;
     void settle(qint64 earliestNs, qint64 arrivalNs);
     void follow(qint64 earliestNs, qint64 arrivalNs);
 

@@ -1,10 +1,9 @@
 #include "capture/macos/io_procedure.h"
 
-#include "capture/macos/capture_time.h"
 #include "capture/macos/sample_conversion.h"
 
 #include <array>
-#include <chrono>
+#include <limits>
 
 namespace qn {
 
@@ -25,16 +24,27 @@ std::span<const PcmBuffer> filledBuffers(const AudioBufferList& list, BufferArra
     return std::span(storage).first(count);
 }
 
+// The whole frames per second of a stream; 0 for what no integer holds (NaN, infinity, overflow).
+qint32 wholeRate(double sampleRate) {
+    using Limits = std::numeric_limits<qint32>;
+    const bool fits = sampleRate > Limits::min() - 1.0 && sampleRate < Limits::max() + 1.0;
+    return fits ? static_cast<qint32>(sampleRate) : 0;
+}
+
+qint64 hostToSteady(UInt64 hostTime) {
+    const UInt64 hostNs = AudioConvertHostTimeToNanos(hostTime);
+    const UInt64 hostNowNs = AudioConvertHostTimeToNanos(AudioGetCurrentHostTime());
+    // Unsigned, because a device may stamp its buffers with anything.
+    return static_cast<qint64>(static_cast<UInt64>(steadyNowNs()) - hostNowNs + hostNs);
+}
+
 // None when the device gives no time and the rate can't tell how long the block is.
 std::optional<qint64> firstFrameTime(const AudioTimeStamp* inputTime, qint64 frames, qint32 rate) {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    const qint64 nowNs = std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
     if (inputTime != nullptr && (inputTime->mFlags & kAudioTimeStampHostTimeValid) != 0)
-        return hostToSteady(AudioConvertHostTimeToNanos(inputTime->mHostTime),
-                            AudioConvertHostTimeToNanos(AudioGetCurrentHostTime()), nowNs);
+        return hostToSteady(inputTime->mHostTime);
     if (rate == 0)
         return std::nullopt;
-    return startOfEndedBlock(nowNs, frames, rate);
+    return steadyNowNs() - durationNs(frames, rate);
 }
 
 } // namespace

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QList>
+#include "core/audio_block.h"
 
 #include <span>
 
 namespace qn {
-
-inline constexpr qint32 kMaxChannels = 32;
 
 // Linear PCM in native byte order, as far as the conversion needs it.
 struct PcmFormat {
@@ -26,7 +24,7 @@ struct PcmBuffer {
 qint64 frameCount(std::span<const PcmBuffer> buffers, const PcmFormat& format);
 
 // The cycle as interleaved floats of full scale +-1.0, `format.channels` values per frame. The
-// buffers' channels stand side by side, so interleaved and non-interleaved streams are one case.
+// buffers' channels go side by side, so interleaved and non-interleaved streams are one case.
 // What the buffers do not hold, and every unknown sample format, is silence. Reads 32- and 64-bit
 // floats and signed 16- and 32-bit integers, from any alignment.
 QList<float> interleave(std::span<const PcmBuffer> buffers, const PcmFormat& format, qint64 frames);

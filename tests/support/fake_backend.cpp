@@ -1,7 +1,6 @@
 #include "tests/support/fake_backend.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
 namespace qn::testing {
@@ -40,10 +39,10 @@ FakePlatform& FakePlatform::instance() {
 
 void playTone() {
     static qint64 end = 0; // of the tone so far, as the steady clock counts
-    const std::chrono::nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();
+    const qint64 now = steadyNowNs();
     AudioBlock block;
-    block.timestampNs = std::max<qint64>(end, now.count() - 1'000'000'000);
-    end = now.count();
+    block.timestampNs = std::max(end, now - 1'000'000'000);
+    end = now;
     for (qint64 i = 0; i < (end - block.timestampNs) * 48 / 1'000'000; ++i)
         block.samples.append(0.5F * std::sin(0.06F * static_cast<float>(i)));
     for (CaptureBackend* backend : QList(FakePlatform::instance().capturing))

@@ -1,6 +1,7 @@
 #include "simulated_mac.h"
 
 #include "capture/macos/native_text.h"
+#include "core/audio_block.h"
 
 #import <AppKit/AppKit.h>
 #import <CoreAudio/AudioHardwareTapping.h>
@@ -9,7 +10,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <chrono>
 #include <mutex>
 #include <thread>
 #include <unistd.h>
@@ -163,8 +163,7 @@ OSStatus AudioDeviceStop(AudioObjectID device, AudioDeviceIOProcID id) {
 
 // The host clock counts 24 MHz ticks and is an hour ahead of the steady clock.
 UInt64 AudioGetCurrentHostTime() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch() + std::chrono::hours(1);
-    return static_cast<UInt64>(std::chrono::nanoseconds(now).count()) * 3 / 125;
+    return static_cast<UInt64>(qn::steadyNowNs() + 3'600'000'000'000) * 3 / 125;
 }
 
 UInt64 AudioConvertHostTimeToNanos(UInt64 ticks) {
