@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 namespace qn {
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -21,12 +21,12 @@ constexpr auto kCheckInterval = 500ms;
 } // namespace
 
 ApplicationCapture::ApplicationCapture(const PulseConnection& connection, QString application,
-                                       QString processId, BlockBuilder::Sink receiver)
-    : context(connection.ready()),
+                                       QString processId, BlockReceiver blockReceiver)
+    : context(connection.readyContext()),
       loop(connection.loopApi()),
       applicationId(std::move(application)),
       ownProcessId(std::move(processId)),
-      sink(std::move(receiver)),
+      receiver(std::move(blockReceiver)),
       quiet(loop, context, [this] { check(); }),
       interval(loop, context, [this] { check(); }) {
     subscribe();
@@ -62,12 +62,12 @@ void ApplicationCapture::check() {
 
 void ApplicationCapture::follow(const ServerSnapshot& snapshot) {
     QHash<quint32, OpenRecording> known;
-    for (const auto& [index, recording] : recordings)
-        known.insert(index, {recording.sink, recording.stream->isBroken()});
+    for (const auto& [index, open] : openStreams)
+        known.insert(index, {open.sink, open.stream->isBroken()});
     const QList<InputFacts> inputs = inputsOf(snapshot, applicationId, ownProcessId);
     const StreamPlan plan = planStreams(known, inputs);
     for (const quint32 index : plan.close)
-        recordings.erase(index);
+        openStreams.erase(index);
     for (const InputFacts& input : inputs) {
         if (plan.open.contains(input.index))
             open(input, snapshot);
@@ -80,16 +80,15 @@ void ApplicationCapture::open(const InputFacts& input, const ServerSnapshot& sna
         return;
     const int slot = freeSlot();
     const RecordTarget target{*played, input.index, QString::number(slot)};
-    recordings.emplace(input.index,
-                       Recording{input.sink, slot,
-                                 std::make_unique<RecordStream>(
-                                     loop, target, RecordStream::Callbacks{sink, [] {}})});
+    auto stream =
+        std::make_unique<RecordStream>(loop, target, RecordStream::Callbacks{receiver, [] {}});
+    openStreams.emplace(input.index, OpenStream{input.sink, slot, std::move(stream)});
 }
 
 int ApplicationCapture::freeSlot() const {
     int slot = 0;
     const auto uses = [&](const auto& entry) { return entry.second.slot == slot; };
-    while (std::any_of(recordings.begin(), recordings.end(), uses))
+    while (std::any_of(openStreams.begin(), openStreams.end(), uses))
         ++slot;
     return slot;
 }

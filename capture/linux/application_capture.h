@@ -13,20 +13,21 @@
 namespace qn {
 
 // Records every stream that one application plays, each under a source key of its own, and follows
-// them as they start, end and move. Used under the connection's lock, while the connection stands.
+// them as they start, end and move. Used under the connection's lock; to be destroyed at
+// the latest when the connection is lost.
 class ApplicationCapture {
 public:
     // Begins with the streams of `snapshot`.
     ApplicationCapture(const PulseConnection& connection, QString applicationId,
-                       QString ownProcessId, BlockBuilder::Sink receiver);
+                       QString ownProcessId, BlockReceiver blockReceiver);
     ApplicationCapture(const ApplicationCapture&) = delete;
     ApplicationCapture& operator=(const ApplicationCapture&) = delete;
     ~ApplicationCapture();
 
 private:
-    struct Recording {
-        quint32 sink;
-        int slot; // names the source key; free ones are used again
+    struct OpenStream {
+        quint32 sink; // where it played when it was opened
+        int slot;     // names the source key; free ones are used again
         std::unique_ptr<RecordStream> stream;
     };
 
@@ -40,11 +41,11 @@ private:
     pa_mainloop_api* loop;
     QString applicationId;
     QString ownProcessId;
-    BlockBuilder::Sink sink;
-    std::unordered_map<quint32, Recording> recordings; // by stream index
-    std::unique_ptr<ServerQuery> query;                // unanswered
-    PulseTimer quiet;                                  // until nothing has changed for a while
-    PulseTimer interval;                               // until the next check anyway
+    BlockReceiver receiver;
+    std::unordered_map<quint32, OpenStream> openStreams; // by stream index
+    std::unique_ptr<ServerQuery> query;                  // unanswered
+    PulseTimer quiet;                                    // until nothing has changed for a while
+    PulseTimer interval;                                 // until the next check anyway
 };
 
 } // namespace qn

@@ -5,8 +5,8 @@
 
 namespace qn {
 
-BlockBuilder::BlockBuilder(AudioBlock emptyBlock, Sink receiver)
-    : format(std::move(emptyBlock)), sink(std::move(receiver)), clock(format.sampleRate) {}
+BlockBuilder::BlockBuilder(AudioBlock emptyBlock, BlockReceiver whenReady)
+    : format(std::move(emptyBlock)), receiver(std::move(whenReady)), clock(format.sampleRate) {}
 
 void BlockBuilder::add(const float* samples, qint64 frames, qint64 arrivalNs) {
     if (!clock.packet(frames, arrivalNs)) {
@@ -37,7 +37,7 @@ void BlockBuilder::emitBlocks(qint64 smallestFrames) {
         AudioBlock block = format;
         block.samples = pending.mid(done * format.channels, frames * format.channels);
         block.timestampNs = clock.timeOf(pendingFrame + done);
-        sink(block);
+        receiver(block);
         done += frames;
     }
     pending.remove(0, done * format.channels);

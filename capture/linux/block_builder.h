@@ -7,14 +7,14 @@
 
 namespace qn {
 
+using BlockReceiver = std::function<void(const AudioBlock&)>;
+
 // Cuts the packets of one stream, of whatever size, into blocks of about 20 ms with smoothed
 // timestamps. One thread only.
 class BlockBuilder {
 public:
-    using Sink = std::function<void(const AudioBlock&)>;
-
     // `emptyBlock` has what all of the stream's blocks share.
-    BlockBuilder(AudioBlock emptyBlock, Sink receiver);
+    BlockBuilder(AudioBlock emptyBlock, BlockReceiver whenReady);
 
     // Frames per block: 1024 at 48 kHz, which is also the usual graph cycle of PipeWire.
     static qint64 framesPerBlock(qint32 sampleRate) { return qint64(sampleRate) * 1024 / 48000; }
@@ -29,7 +29,7 @@ private:
     void emitBlocks(qint64 smallestFrames);
 
     AudioBlock format;
-    Sink sink;
+    BlockReceiver receiver;
     SmoothedClock clock;
     QList<float> pending;    // interleaved
     qint64 pendingFrame = 0; // number of the first pending frame in `clock`

@@ -9,14 +9,15 @@
 
 #include <utility>
 
+namespace qn {
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-namespace qn {
-
 namespace {
 
-// Waits on the server; the recorder's thread must not stand still for 4 s altogether.
+// How long to wait for the server: altogether less than the 4 s for which the recorder's thread
+// may be kept from its work.
 constexpr auto kCatalogPatience = 1000ms;
 constexpr auto kStartPatience = 1500ms;
 constexpr auto kNoPatience = 50ms; // with a server that has just failed to answer
@@ -41,7 +42,7 @@ private:
     QString open(const Selection& selection, const QString& sourceId);
     QString openApplication(const QString& id);
     QString openDevice(const QString& name, PulseConnection::Clock::time_point deadline);
-    BlockBuilder::Sink emitBlock() {
+    BlockReceiver emitBlock() {
         return [this](const AudioBlock& captured) { Q_EMIT block(captured); };
     }
     void release();
@@ -51,7 +52,8 @@ private:
     PulseConnection::Clock::time_point deadlineAfter(std::chrono::milliseconds patience) const;
 
     mutable PulseConnection connection;
-    // Used under the connection's lock; gone with the connection.
+    // The one that captures, if any. Used under the connection's lock, destroyed when the
+    // connection is lost.
     std::unique_ptr<RecordStream> device;
     std::unique_ptr<ApplicationCapture> application;
     bool isCapturing = false; // from a successful start to stop or failure

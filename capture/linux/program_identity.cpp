@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
-using namespace Qt::StringLiterals;
-
 namespace qn {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 

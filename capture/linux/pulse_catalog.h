@@ -5,8 +5,8 @@
 
 namespace qn {
 
-// The catalogue for people: sinks, and one entry per program that plays a stream, except the
-// process `ownProcessId`. Names are cut to one line; entries with an unusable id are left out.
+// What the user can choose from: every sink, and every program that plays a stream once, without
+// the process `ownProcessId`. Names become one line; entries with an unusable id are left out.
 Catalog catalogOf(const ServerSnapshot& snapshot, const QString& ownProcessId);
 
 // The streams that belong to the catalogue's entry `applicationId`.

@@ -30,12 +30,12 @@ PulseConnection::~PulseConnection() {
     pa_threaded_mainloop_stop(loop.get());
 }
 
-pa_context* PulseConnection::ready() const {
+pa_context* PulseConnection::readyContext() const {
     return context && context->isReady() ? context->get() : nullptr;
 }
 
 bool PulseConnection::refresh(Clock::time_point deadline) {
-    const bool succeeded = connect(deadline) && answered(deadline);
+    const bool succeeded = connect(deadline) && ask(deadline);
     isUnresponsive = !succeeded && !context->isFailed();
     return succeeded;
 }
@@ -49,19 +49,20 @@ bool PulseConnection::connect(Clock::time_point deadline) {
 
 void PulseConnection::contextChanged() {
     if (context->isReady())
-        stood = true;
+        wasReady = true;
     if (context->isFailed()) {
         query.reset();
         known = {};
-        if (std::exchange(stood, false))
+        if (std::exchange(wasReady, false))
             lost();
     }
     wake();
 }
 
-bool PulseConnection::answered(Clock::time_point deadline) {
+bool PulseConnection::ask(Clock::time_point deadline) {
     const auto idle = [this] { return !query; };
-    if (!waitFor(idle, deadline) || !ready()) // an earlier query may still wait for its answer
+    if (!waitFor(idle, deadline) ||
+        !readyContext()) // an earlier query may still wait for its answer
         return false;
     isFresh = false;
     query = std::make_unique<ServerQuery>(context->get(), [this](auto answer) {

@@ -29,7 +29,7 @@ public:
         pa_threaded_mainloop* loop;
     };
 
-    // `whenLost` is called when a connection that stood is gone.
+    // `whenLost` is called when a ready connection is gone.
     explicit PulseConnection(std::function<void()> whenLost);
     PulseConnection(const PulseConnection&) = delete;
     PulseConnection& operator=(const PulseConnection&) = delete;
@@ -44,8 +44,8 @@ public:
     // Whether a refresh went unanswered and none was answered since: it will hardly answer now.
     bool unresponsive() const { return isUnresponsive; }
 
-    // Null without a connection that stands.
-    pa_context* ready() const;
+    // Null while there is no ready connection.
+    pa_context* readyContext() const;
 
     pa_mainloop_api* loopApi() const { return pa_threaded_mainloop_get_api(loop.get()); }
 
@@ -58,15 +58,15 @@ public:
 private:
     bool connect(Clock::time_point deadline);
     void contextChanged();
-    bool answered(Clock::time_point deadline);
+    bool ask(Clock::time_point deadline);
 
     std::function<void()> lost;
     PulseHandle<pa_threaded_mainloop> loop;
     std::unique_ptr<PulseContext> context;
     std::unique_ptr<ServerQuery> query; // unanswered
     ServerSnapshot known;
-    bool isFresh = false; // the last query was answered
-    bool stood = false;   // the context has been ready
+    bool isFresh = false;  // the last query was answered
+    bool wasReady = false; // the context, before it fails
     bool isUnresponsive = false;
 };
 

@@ -13,10 +13,10 @@ void expire(pa_mainloop_api*, pa_time_event*, const timeval*, void* expired) {
 
 } // namespace
 
-PulseTimer::PulseTimer(pa_mainloop_api* api, pa_context* connection,
+PulseTimer::PulseTimer(pa_mainloop_api* api, pa_context* connectedContext,
                        std::function<void()> whenExpired)
     : loop(api),
-      context(connection),
+      context(connectedContext),
       expired(std::move(whenExpired)),
       event(pa_context_rttime_new(context, PA_USEC_INVALID, expire, &expired)) {}
 

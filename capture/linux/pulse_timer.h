@@ -12,7 +12,8 @@ namespace qn {
 // A single-shot timer on the client library's thread; used under the main loop's lock.
 class PulseTimer {
 public:
-    PulseTimer(pa_mainloop_api* api, pa_context* connection, std::function<void()> whenExpired);
+    PulseTimer(pa_mainloop_api* api, pa_context* connectedContext,
+               std::function<void()> whenExpired);
     PulseTimer(const PulseTimer&) = delete;
     PulseTimer& operator=(const PulseTimer&) = delete;
     ~PulseTimer() { loop->time_free(event); }

@@ -22,7 +22,7 @@ class RecordStream {
 public:
     // Both come on the main loop's thread, never from within a call here.
     struct Callbacks {
-        BlockBuilder::Sink block;
+        BlockReceiver block;
         std::function<void()> stateChanged;
     };
 
