@@ -47,7 +47,7 @@ private:
     static OSStatus ioProc(AudioObjectID device, const AudioTimeStamp* now,
                            const AudioBufferList* input, const AudioTimeStamp* inputTime,
                            AudioBufferList* output, const AudioTimeStamp* outputTime,
-                           void* clientData);
+                           void* clientData) noexcept;
 
     SourceKind kind = SourceKind::System; // of the last start, like selectionId
     QString selectionId;
@@ -179,11 +179,11 @@ void MacBackend::followProcesses() {
 }
 
 // Runs on the platform's real-time thread. It may not wait, lock, touch a file, call Objective-C or
-// use any member but tapFormat, which does not change while it runs; an exception may not leave it.
-// Receivers of `block` are queued on other threads.
+// use any member but tapFormat, which does not change while it runs. Receivers of `block` are
+// queued on other threads.
 OSStatus MacBackend::ioProc(AudioObjectID, const AudioTimeStamp*, const AudioBufferList* input,
                             const AudioTimeStamp* inputTime, AudioBufferList*,
-                            const AudioTimeStamp*, void* clientData) {
+                            const AudioTimeStamp*, void* clientData) noexcept {
     auto* backend = static_cast<MacBackend*>(clientData);
     if (const std::optional<AudioBlock> captured =
             captureBlock(backend->tapFormat, input, inputTime))
