@@ -33,7 +33,8 @@ Q_SIGNALS:
     // thread, so that the block is queued and no handler runs on the audio thread.
     void block(const qn::AudioBlock&);
 
-    // The capture broke down after a successful start; a message for the user.
+    // The capture broke down after a successful start; a message for the user. May come on the
+    // owner's thread or on one of the platform's: connect as for block.
     void failed(const QString&);
 };
 
