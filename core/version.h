@@ -4,10 +4,9 @@
 
 namespace qn {
 
-inline constexpr char16_t kVersion[] = u"0.1.5";
-
+// The one place that names it: the build reads it from here.
 inline QString version() {
-    return QString::fromUtf16(kVersion);
+    return QStringLiteral("0.1.5");
 }
 
 } // namespace qn
