@@ -18,7 +18,7 @@ if(QUORLIN_SANITIZE)
   target_link_options(quorlin_flags INTERFACE -fsanitize=${QUORLIN_SANITIZE})
 endif()
 
-# One static library per folder, so that an include against the direction fails to link.
+# One static library per folder, which names the folders it builds on.
 function(quorlin_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})

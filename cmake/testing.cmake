@@ -1,9 +1,6 @@
 # quorlin_test(NAME SOURCES ... LIBRARIES ...): one Qt Test executable, offscreen, with a home of its own.
 function(quorlin_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
-  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   if(QUORLIN_SANITIZE MATCHES thread)
     target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/tsan_clone.cpp)
@@ -14,6 +11,7 @@ function(quorlin_test name)
   file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
-    TIMEOUT ${ARG_TIMEOUT}
+    TIMEOUT 120
+    ENVIRONMENT_MODIFICATION "PULSE_SERVER=unset:;PULSE_RUNTIME_PATH=unset:"
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_MEDIA_BACKEND=ffmpeg;HOME=${home};XDG_RUNTIME_DIR=${home}/runtime;XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;TSAN_OPTIONS=ignore_noninstrumented_modules=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp")
 endfunction()
