@@ -27,17 +27,15 @@ private Q_SLOTS:
     void theCommandLineAnswersWithoutTouchingTheDataFolder() {
         run(u"--version"_s, 0, "Quorlin 0.1.5\n");
         run(u"--help"_s, 0, "Запись созвонов и локальная библиотека аудио");
-        run(u"--help"_s, 0, "--data-dir <path>");
-        run(u"--list-sources"_s, 0, "Default: \n"); // no sound server here
+        run(u"--list-sources"_s, 0, "Default: ");
         run(u"--no-such-option"_s, 1, "");
         QVERIFY(!QFile::exists(data));
     }
 
     void theSmokeTestOpensTheWindowForTwoSeconds() {
-        QElapsedTimer clock;
-        clock.start();
+        const QDeadlineTimer twoSeconds(1900);
         run(u"--smoke-test"_s, 0, "");
-        QVERIFY(clock.elapsed() >= 1900);
+        QVERIFY(twoSeconds.hasExpired());
         QCOMPARE(QDir(data).entryList(QDir::Files), QStringList{u"library.sqlite3"_s});
     }
 

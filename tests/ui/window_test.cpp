@@ -121,7 +121,7 @@ private Q_SLOTS:
         FakePlatform::instance().catalog.applications.clear();
         const std::tuple<QString, QVariant, QString> rows[] = {
             {u"audio/directory"_s, u"/dev/null/calls"_s, u"Не удалось создать папку записей"_s},
-            {u"audio/directory"_s, u"/proc"_s, u"Папка записей недоступна для записи"_s},
+            {u"audio/directory"_s, u"/dev/fd"_s, u"Папка записей недоступна для записи"_s},
             {u"source/kind"_s, 2, u"Выберите устройство или приложение в настройках"_s},
         };
         for (const auto& [key, value, message] : rows) {
