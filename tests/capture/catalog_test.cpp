@@ -22,7 +22,8 @@ private Q_SLOTS:
         };
         for (const auto& [kind, id, output, resolved] : cases) {
             const Catalog catalog{{{u"usb"_s, {}}, {u"card"_s, {}}}, {{u"app"_s, {}}}, output};
-            QCOMPARE(resolveSource({static_cast<SourceKind>(kind), id}, catalog), resolved);
+            const QString found = resolveSource({static_cast<SourceKind>(kind), id}, catalog);
+            QVERIFY2(found == resolved, qPrintable(u"%1 %2 %3"_s.arg(kind).arg(id, output)));
         }
     }
 };

@@ -24,10 +24,11 @@ private Q_SLOTS:
             {{.hasSelection = true, .fileExists = true, .state = State::Failed},
              {1, 1, 1, 1, 1, 1}},
         };
-        for (const auto& [facts, allowed] : rows) {
+        for (int row = 0; const auto& [facts, allowed] : rows) {
             const auto [toFile, recover, rename, remove, openFolder] = actionRules(facts);
             const bool play = playbackRules(facts, {}).play;
-            QCOMPARE((QList{toFile, recover, rename, remove, openFolder, play}), allowed);
+            const QList found{toFile, recover, rename, remove, openFolder, play};
+            QVERIFY2(found == allowed, qPrintable(QString::number(row++)));
         }
     }
 
@@ -46,7 +47,8 @@ private Q_SLOTS:
             for (const ComboItem& item : contents.items)
                 shown.append(item.text);
             QCOMPARE(shown, texts);
-            QVERIFY(contents.current == current && contents.enabled == (kind != 0));
+            QVERIFY2(contents.current == current && contents.enabled == (kind != 0),
+                     qPrintable(texts.join(u',')));
         }
         const auto missing = microphoneItems({0, {}, true, "gone", {}, {}}, {{"here", u"Here"_s}});
         QCOMPARE(missing.items.last().text, u"Не подключено: выбранный микрофон"_s);
