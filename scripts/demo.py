@@ -3,8 +3,8 @@
 
 demo.py PROGRAM: leaves the recording, the library and pictures of the window in a new folder
 of the working directory and checks that both voices are in the file. Environment:
-QUORLIN_DEMO_SERVER=pipewire takes PipeWire instead of PulseAudio, QUORLIN_DEMO_MINUTES=10 makes
-the call that long, QUORLIN_DEMO_FORMAT=wav or mp3 replaces opus.
+QUORLIN_DEMO_SERVER=pipewire takes PipeWire even where PulseAudio's server is installed,
+QUORLIN_DEMO_MINUTES=10 makes the call that long, QUORLIN_DEMO_FORMAT=wav or mp3 replaces opus.
 """
 
 import os
@@ -82,11 +82,10 @@ def main():
     program = Path(sys.argv[1]).resolve()
     out = Path.cwd() / time.strftime("quorlin-demo-%Y-%m-%d_%H-%M-%S")
     out.mkdir()
-    server = os.environ.get("QUORLIN_DEMO_SERVER", "pulseaudio")
     audio_format = os.environ.get("QUORLIN_DEMO_FORMAT", "opus")
-    print(f"No display: recording a demo call on a private {server} server.", flush=True)
     call = make_call(float(os.environ.get("QUORLIN_DEMO_MINUTES", "0")))
-    with Headless(server) as place:
+    with Headless(os.environ.get("QUORLIN_DEMO_SERVER")) as place:
+        print(f"No display: recording a demo call on a private {place.server} server.", flush=True)
         write_settings(place, out / "recordings", audio_format)
         (title, status, path, duration), lead = record(place, program, call, out)
     text, good = report(path, call, lead)

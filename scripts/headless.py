@@ -38,10 +38,12 @@ def wait_for(what, condition, seconds=10):
 
 
 class Headless:
-    """Context manager; everything it started is gone when it is left, also by a signal."""
+    """Context manager; everything it started is gone when it is left, also by a signal.
 
-    def __init__(self, server="pulseaudio", screen="1140x850", echo=False):
-        self.server = server
+    Without a choice of "pulseaudio" or "pipewire" the server is the first that is installed."""
+
+    def __init__(self, server=None, screen="1140x850", echo=False):
+        self.server = server or ("pulseaudio" if shutil.which("pulseaudio") else "pipewire")
         self.modules = sound_modules(echo)
         self.screen = screen
         self.processes = []

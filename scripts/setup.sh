@@ -2,17 +2,21 @@
 # Sourced by run, test and bench: the package lists, installing what is missing of them, building.
 # Installed packages are left alone, so no network is needed once all are there.
 
-# package_list NAME: the packages of a list on this system, one line of words.
+# package_list NAME: the packages of a list on this system, as words.
 package_list() {
     case $(uname -s)-$1 in
     Linux-build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev \
         libqt6sql6-sqlite qt6-translations-l10n libsoxr-dev libpulse-dev ffmpeg ;;
-    Linux-demo) echo xvfb xdotool pulseaudio pulseaudio-utils python3 python3-numpy ;;
+    Linux-demo)
+        echo xvfb xdotool pulseaudio-utils python3 python3-numpy
+        # A desktop that runs on PipeWire has packages that conflict with PulseAudio's server.
+        if is_installed pipewire-alsa; then package_list pipewire; else echo pulseaudio; fi
+        ;;
     Linux-pipewire) echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils ;;
-    Linux-test) echo clang-14 gobjc++ libgnustep-base-dev clang-format-14 shellcheck librsvg2-bin icnsutils \
-        python3 ;;
+    Linux-test) echo clang-14 gobjc++ libgnustep-base-dev clang-format-14 shellcheck \
+        librsvg2-bin icnsutils python3 ;;
     Linux-clang) echo clang libclang-rt-dev ;;
-    Linux-bench) echo libbenchmark-dev libsqlite3-dev ;;
+    Linux-bench) echo pulseaudio libbenchmark-dev libsqlite3-dev ;;
     Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg librsvg ;;
     Darwin-test) echo shellcheck ;;
     esac
@@ -62,7 +66,7 @@ install_packages() {
     fi
     # A failed update is no reason to stop: the lists at hand may do.
     "${as_root[@]}" apt-get update -q || true
-    # Refuses rather than removes: a desktop's PipeWire packages conflict with PulseAudio.
+    # Refuses rather than removes anything that the user has.
     "${as_root[@]}" apt-get install -q -y --no-remove --no-install-recommends "$@"
 }
 
