@@ -40,18 +40,22 @@ def wait_for(what, condition, seconds=10):
 class Headless:
     """Context manager; everything it started is gone when it is left, also by a signal.
 
-    Without a choice of "pulseaudio" or "pipewire" the server is the first that is installed."""
+    Without a choice of "pulseaudio" or "pipewire" the server is the first that is installed. The
+    home is a new folder, under the given path or in the one for temporary files."""
 
-    def __init__(self, server=None, screen="1140x850", echo=False):
+    def __init__(self, server=None, screen="1140x850", echo=False, home=None):
         self.server = server or ("pulseaudio" if shutil.which("pulseaudio") else "pipewire")
         self.modules = sound_modules(echo)
         self.screen = screen
+        self.home = home
         self.processes = []
 
     def __enter__(self):
         for number in (signal.SIGTERM, signal.SIGHUP):
             signal.signal(number, lambda *_: sys.exit(1))
-        self.folder = Path(tempfile.mkdtemp(prefix="quorlin-"))
+        self.folder = Path(self.home or tempfile.mkdtemp(prefix="quorlin-"))
+        if self.home:
+            self.folder.mkdir()
         try:
             self._make_home()
             self._start_display()

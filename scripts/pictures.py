@@ -2,70 +2,83 @@
 """Renews the README's pictures in docs/ from the real window: pictures.py PROGRAM.
 
 The library in them holds the demo call under several titles; one of them is being played, and
-another call is recorded.
+another call is recorded. The window shows paths, so the home is made at HOME and removed again:
+run this as root in a container.
 """
 
 import json
 import sqlite3
-import subprocess
 import sys
 import time
 import uuid
 from contextlib import closing
 from datetime import datetime, timedelta, timezone
 from pathlib import Path
+from zoneinfo import ZoneInfo
 
 from demo import play, rows
 from demo_call import FAR, NEAR, make_call
-from headless import Headless, ProgramWindow, wait_for, write_settings
+from headless import Headless, ProgramWindow, wait_for
 
 DOCS = Path(__file__).resolve().parent.parent / "docs"
-EARLIER = [  # title, format, status, days ago
-    ("Поставка в четверг", "opus", "ready", 0.1),
-    ("Планёрка отдела", "opus", "ready", 1.05),
-    ("Интервью: Анна, дизайнер", "wav", "ready", 1.2),
-    ("Созвон с заказчиком", "mp3", "interrupted", 3.1),
-    ("Итоги квартала", "opus", "ready", 6.0),
+HOME = "/home/anna"
+ZONE = "Europe/Moscow"
+EARLIER = [  # title, format, status, days ago, local time
+    ("Поставка в четверг", "opus", "ready", 1, "16:30:02"),
+    ("Планёрка отдела", "opus", "ready", 2, "10:00:47"),
+    ("Интервью: Анна, дизайнер", "wav", "ready", 3, "14:05:11"),
+    ("Созвон с заказчиком", "mp3", "interrupted", 4, "11:32:29"),
+    ("Итоги квартала", "opus", "ready", 7, "12:01:56"),
+]
+SOURCES = [  # what the journal says of the sources when a recording begins
+    {"from": "", "to": "speakers", "preferred": "", "fallback": False},
+    {"microphone": "Microphone", "id": "microphone", "fallback": False},
 ]
 
 
-def fill_library(place, call, recordings, library):
-    """The demo call under each title, with a little of a journal."""
-    recordings.mkdir()
-    for voice in (FAR, NEAR):
-        call.write(voice, place.folder / f"{voice}.wav")
-    with closing(sqlite3.connect(library)) as database, database:
-        for title, kind, status, days in EARLIER:
-            started = datetime.now(timezone.utc) - timedelta(days=days)
-            path = recordings / f"{started:%Y-%m-%d_%H-%M-%S}.{kind}"
-            place.run("ffmpeg", "-v", "error", "-i", place.folder / f"{FAR}.wav",
-                      "-i", place.folder / f"{NEAR}.wav",
-                      "-filter_complex", "amix=inputs=2:normalize=0", path)
-            name, stamp = str(uuid.uuid4()), "%Y-%m-%dT%H:%M:%S.000Z"
-            ended = started + timedelta(seconds=call.end)
-            database.execute(
-                "INSERT INTO recordings VALUES (?,?,?,?,?,?,?,?,?,?)",
-                (name, title, str(path), kind, "Europe/Moscow", started.strftime(stamp),
-                 ended.strftime(stamp), round(call.end * 1000), status, "{}"))
-            database.execute(
-                "INSERT INTO events VALUES (?,?,?,?)",
-                (name, started.strftime(stamp), "source",
-                 json.dumps({"from": "", "to": "speakers", "preferred": "", "fallback": False})))
+def utc_text(moment):
+    return moment.astimezone(timezone.utc).strftime("%Y-%m-%dT%H:%M:%S.000Z")
+
+
+def add_recording(place, database, length, entry):
+    """One row with its file, under the names that the program gives, and its journal."""
+    title, kind, status, days, clock = entry
+    day = datetime.now(ZoneInfo(ZONE)) - timedelta(days=days)
+    started = datetime.combine(day, datetime.strptime(clock, "%H:%M:%S").time(), day.tzinfo)
+    identity = str(uuid.uuid4())
+    path = place.folder / "Music" / "Quorlin" / (
+        f"{started:%Y-%m-%d_%H-%M-%S}_{identity[:8]}.{kind}" + ".part" * (status != "ready"))
+    path.parent.mkdir(parents=True, exist_ok=True)
+    place.run("ffmpeg", "-v", "error", "-i", place.folder / f"{FAR}.wav",
+              "-i", place.folder / f"{NEAR}.wav",
+              "-filter_complex", "amix=inputs=2:normalize=0", "-f", kind, path)
+    database.execute(
+        "INSERT INTO recordings VALUES (?,?,?,?,?,?,?,?,?,?)",
+        (identity, title, str(path), kind, ZONE, utc_text(started),
+         utc_text(started + timedelta(seconds=length)), round(length * 1000), status, "{}"))
+    for source in SOURCES:
+        database.execute("INSERT INTO events VALUES (?,?,?,?)",
+                         (identity, utc_text(started), "source", json.dumps(source)))
 
 
 def main():
     program = Path(sys.argv[1]).resolve()
     DOCS.mkdir(exist_ok=True)
     call = make_call()
-    with Headless() as place:
-        place.env["TZ"] = "Europe/Moscow"
-        library = place.folder / "library" / "library.sqlite3"
-        write_settings(place, place.folder / "Quorlin")
-        if ProgramWindow(place, program, "--data-dir", library.parent).quit() != 0:
+    with Headless(home=HOME) as place:
+        place.env["TZ"] = ZONE
+        # Qt brings the language's dates along; the other programs need a locale of the system's.
+        start = ["env", "LC_ALL=ru_RU.UTF-8", program]
+        library = place.folder / ".local/share/Quorlin/Quorlin/library.sqlite3"
+        if ProgramWindow(place, *start).quit() != 0:
             raise RuntimeError(place.log())
-        fill_library(place, call, place.folder / "Quorlin", library)
+        for voice in (FAR, NEAR):
+            call.write(voice, place.folder / f"{voice}.wav")
+        with closing(sqlite3.connect(library)) as database, database:
+            for entry in EARLIER:
+                add_recording(place, database, call.end, entry)
 
-        window = ProgramWindow(place, program, "--data-dir", library.parent)
+        window = ProgramWindow(place, *start)
         window.click(300, 330)  # a row of the table
         time.sleep(2)  # for the waveform
         window.press("space")
@@ -78,11 +91,11 @@ def main():
         window.type("Согласование договора")
         window.press("ctrl+r")
         wait_for("the recording", lambda: [r for r in rows(library) if r[1] == "recording"])
-        start, _ = play(place, call)
-        time.sleep(start + 8.6 - time.monotonic())
+        began, _ = play(place, call)
+        time.sleep(began + 8.6 - time.monotonic())
         window.picture(DOCS / "recording.png")
         window.press("ctrl+period")
-        wait_for("the file", lambda: [r for r in rows(library) if r[2].endswith("opus")])
+        wait_for("the file", lambda: not [r for r in rows(library) if r[1] == "recording"])
         time.sleep(1)
         window.quit()
 
