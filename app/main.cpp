@@ -92,7 +92,7 @@ int runWindow(const QString& dataDirectory, bool smokeTest) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-    // Of Qt's media back ends the one that plays and seeks Ogg Opus, MP3 and WAV on every platform.
+    // The one of Qt's media back ends that plays and seeks Ogg Opus, MP3 and WAV on every platform.
     qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     // The recording thread wakes a hundred times a second: Qt's own event loop is the lighter one.
     qputenv("QT_NO_THREADED_GLIB", "1");

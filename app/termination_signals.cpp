@@ -28,7 +28,7 @@ void handleSignals(void (*handler)(int)) {
     action.sa_flags = SA_RESTART;
     for (const int number : kSignals) {
         struct sigaction inherited = {};
-        // What whoever started the program wants ignored, as nohup does, stays ignored.
+        // What the parent process has set to be ignored, as nohup does, stays ignored.
         if (sigaction(number, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN)
             sigaction(number, &action, nullptr);
     }

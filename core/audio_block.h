@@ -6,7 +6,7 @@
 
 namespace qn {
 
-// What the mixer takes; it ignores blocks outside.
+// Limits of a block; the mixer ignores what is outside them.
 inline constexpr qint32 kMaxChannels = 32;
 inline constexpr qint32 kLowestRate = 8000; // frames per second
 

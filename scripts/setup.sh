@@ -64,7 +64,7 @@ install_packages() {
         command -v sudo >/dev/null || fail "run it as root, or install sudo, to install: $*"
         as_root=(sudo "${as_root[@]}")
     fi
-    # A failed update is no reason to stop: the lists at hand may do.
+    # A failed update is no reason to stop: the lists from the last one may be enough.
     "${as_root[@]}" apt-get update -q || true
     # Refuses rather than removes anything that the user has.
     "${as_root[@]}" apt-get install -q -y --no-remove --no-install-recommends "$@"

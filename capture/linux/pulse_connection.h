@@ -11,7 +11,7 @@
 
 namespace qn {
 
-// The connection to the sound server, made on first use and made anew after it broke. The owner's
+// The connection to the sound server, made on first use and again after it broke. The owner's
 // thread calls it while holding a Lock; callbacks come on the client library's own thread, under
 // the same lock. No wait is longer than its deadline, whatever the server does.
 class PulseConnection {
@@ -41,7 +41,7 @@ public:
     // What the server answered last; empty without a connection.
     const ServerSnapshot& snapshot() const { return known; }
 
-    // Whether a refresh went unanswered and none was answered since: it will hardly answer now.
+    // Whether a refresh went unanswered and none was answered since: it is unlikely to answer now.
     bool unresponsive() const { return isUnresponsive; }
 
     // Null while there is no ready connection.

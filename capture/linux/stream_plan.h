@@ -13,7 +13,7 @@ struct OpenRecording {
     bool isBroken = false;
 };
 
-// Stream indices; those to be opened anew are in both lists.
+// Stream indices; those to be opened again are in both lists.
 struct StreamPlan {
     QList<quint32> close;
     QList<quint32> open;

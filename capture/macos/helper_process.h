@@ -4,8 +4,8 @@
 
 namespace qn {
 
-// Whether a process belongs to the application: it bears its bundle identifier or, as helper
-// processes do, an extension of it behind a dot.
+// Whether a process belongs to the application: it has its bundle identifier or, as helper
+// processes do, that with a dot and more behind it.
 bool belongsToApplication(const QString& processBundleId, const QString& applicationId);
 
 } // namespace qn

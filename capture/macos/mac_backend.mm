@@ -164,7 +164,7 @@ QSet<AudioObjectID> MacBackend::processObjects() const {
     return objects;
 }
 
-// Helper processes come and go (a browser's tabs, a call's audio process): the tap is built anew
+// Helper processes come and go (a browser's tabs, a call's audio process): the tap is rebuilt
 // around the present ones.
 void MacBackend::followProcesses() {
     @autoreleasepool {

@@ -59,7 +59,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(QFileInfo(own).path()) && QFile::copy(found, own));
         const QString besideProgram = qn::ffmpegPath();
         QVERIFY(QFile::remove(own) && besideProgram == own);
-        qputenv("QUORLIN_FFMPEG", "/nowhere/ffmpeg"); // as it stands, unchecked
+        qputenv("QUORLIN_FFMPEG", "/nowhere/ffmpeg"); // taken unchecked
         qn::Encoder encoder;
         QVERIFY(!start(encoder) && !error.isEmpty());
     }

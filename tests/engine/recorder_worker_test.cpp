@@ -77,7 +77,7 @@ private Q_SLOTS:
         QVERIFY(durationMs >= paused + 480 && durationMs < paused + 900);
         const QList<float> samples = decoded(u"call.wav"_s);
         QCOMPARE(samples.size() / 48, durationMs);
-        // The tone stands from start to end: 100 ms of silence would be the pause or a lost block.
+        // The tone has no gap: 100 ms of silence would be the pause or a lost block.
         const auto silent = [](float sample, float) { return std::abs(sample) < 0.001F; };
         QVERIFY(std::search_n(samples.begin(), samples.end(), 4800, 0, silent) == samples.end());
     }

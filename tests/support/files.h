@@ -17,7 +17,7 @@ inline void write(const QString& path, const QByteArray& data) {
 }
 
 // Has the product run that shell script, "tool" in the working directory, as its ffmpeg; an empty
-// one stands for none.
+// one means that there is none.
 inline void useTool(const QByteArray& script) {
     write(u"tool"_s, "#!/bin/sh\n" + script);
     QFile::setPermissions(u"tool"_s, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

@@ -63,7 +63,7 @@ private Q_SLOTS:
         auto& properties = mac.properties;
         for (const AudioObjectID id : {8U, 10U, 11U})
             properties[{id, u"stm#"_s}] = ids({101, 102});
-        properties[{7, u"uid "_s}] = u"microphone"_s; // no output stream; device 8 tells no id
+        properties[{7, u"uid "_s}] = u"microphone"_s; // no output stream; device 8 has no id
         properties[{10, u"uid "_s}] = u""_s;
         properties[{11, u"uid "_s}] = u"nameless"_s;
         properties[{12, u"lnam"_s}] = u"Динамики 🎧"_s;
@@ -131,7 +131,7 @@ private Q_SLOTS:
         auto& properties = mac.properties;
         properties[{21, u"pbid"_s}] = u"org.browser"_s;
         properties[{22, u"pbid"_s}] = u"org.browser.helper"_s;
-        properties[{23, u"pbid"_s}] = u"org.browserish"_s; // another product; 24 tells nothing
+        properties[{23, u"pbid"_s}] = u"org.browserish"_s; // another product; 24 has none
         properties[{1, u"prs#"_s}] = ids({23, 24});
         const QString tap = u"{'name':'Quorlin','private':true,'processes':[%1]}"_s;
         QSignalSpy failures(backend.get(), &CaptureBackend::failed);
