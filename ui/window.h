@@ -7,9 +7,9 @@
 #include "export/export_job.h"
 #include "storage/library.h"
 #include "ui/control_rules.h"
+#include "ui/played_file.h"
 
 #include <QAudioOutput>
-#include <QFile>
 #include <QList>
 #include <QMainWindow>
 #include <QMediaPlayer>
@@ -117,7 +117,7 @@ private:
     QThread workerThread;
     RecorderWorker* worker = nullptr; // lives on workerThread, which deletes it
     ExportJob exportJob;
-    QFile playedFile; // the player reads it on threads of its own
+    PlayedFile playedFile; // the player reads it on threads of its own
     QMediaPlayer player;
     QAudioOutput audioOutput;
     QList<Recording> rows; // of the table, in its order

@@ -32,7 +32,8 @@ SelectionFacts Window::selectionFacts() const {
     if (const Recording* recording = selected()) {
         facts.hasSelection = true;
         facts.isCurrent = recording->id == current.id;
-        facts.fileExists = QFileInfo::exists(recording->path);
+        // Opening a pipe would block the window.
+        facts.fileExists = QFileInfo(recording->path).isFile();
         facts.ready = recording->status == "ready"_L1;
     }
     return facts;

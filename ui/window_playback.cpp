@@ -73,10 +73,11 @@ void Window::loadPlayer(const QUrl& url) {
     player.setSource({});
     playedFile.close();
     const QString path = url.toLocalFile();
+    if (path.isEmpty())
+        return;
     const bool isAscii = std::all_of(path.cbegin(), path.cend(),
                                      [](QChar letter) { return letter.unicode() < 0x80; });
-    playedFile.setFileName(path);
-    if (!isAscii && playedFile.open(QIODevice::ReadOnly))
+    if (playedFile.openAudio(path) && (!isAscii || playedFile.isCut()))
         player.setSourceDevice(&playedFile, url);
     else
         player.setSource(url);
