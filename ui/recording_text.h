@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/date_time.h"
 #include "core/recording.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QString>
 

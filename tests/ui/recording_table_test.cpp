@@ -1,5 +1,5 @@
+#include "core/date_time.h"
 #include "ui/recording_table.h"
-#include "ui/recording_text.h"
 
 #include <QHeaderView>
 #include <QSignalSpy>
