@@ -10,10 +10,11 @@ namespace qn {
 using namespace Qt::StringLiterals;
 
 ExportBar::ExportBar(QWidget* parent)
-    : QWidget(parent), progress(new QProgressBar), cancel(new QPushButton(u"Отменить экспорт"_s)) {
+    : QWidget(parent),
+      cancelButton(new QPushButton(u"Отменить экспорт"_s)),
+      progress(new QProgressBar) {
     progress->setAccessibleName(u"Ход экспорта"_s);
-    layOutRow(this, {progress, cancel});
-    connect(cancel, &QPushButton::clicked, this, &ExportBar::cancelClicked);
+    layOutRow(this, {progress, cancelButton});
     showAll(false);
 }
 
@@ -33,7 +34,7 @@ void ExportBar::setProgress(int percent) {
 void ExportBar::showAll(bool visible) {
     setVisible(visible);
     progress->setVisible(visible);
-    cancel->setVisible(visible);
+    cancelButton->setVisible(visible);
 }
 
 } // namespace qn

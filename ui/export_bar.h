@@ -20,14 +20,12 @@ public:
     void end();
     void setProgress(int percent);
 
-Q_SIGNALS:
-    void cancelClicked();
+    QPushButton* const cancelButton;
 
 private:
     void showAll(bool visible);
 
     QProgressBar* progress = nullptr;
-    QPushButton* cancel = nullptr;
 };
 
 } // namespace qn

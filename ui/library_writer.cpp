@@ -3,7 +3,9 @@
 #include "storage/library.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <utility>
@@ -26,6 +28,8 @@ LibraryWriter::LibraryWriter(Library& target) : library(target) {
 }
 
 void LibraryWriter::update(const Recording& recording) {
+    if (recording.id.isEmpty())
+        return;
     rows.insert(recording.id, recording);
     if (!retry.isActive())
         flush();
@@ -33,7 +37,15 @@ void LibraryWriter::update(const Recording& recording) {
 
 void LibraryWriter::addEvent(const QString& recordingId, const QString& kind,
                              const QJsonObject& details) {
+    if (recordingId.isEmpty())
+        return;
     events.append({recordingId, kind, details});
+    if (!retry.isActive())
+        flush();
+}
+
+void LibraryWriter::removeFile(const QString& path) {
+    obsoleteFiles.append(path);
     if (!retry.isActive())
         flush();
 }
@@ -48,15 +60,16 @@ bool LibraryWriter::flush() {
     clock.start();
     try {
         write();
-        refusing = false;
-        retry.stop();
-        return true;
     } catch (const std::exception& exception) {
         retry.start(kRetryInterval + std::chrono::milliseconds(clock.elapsed()) * kRestPerTry);
         if (!std::exchange(refusing, true))
-            Q_EMIT refused(u"Ошибка библиотеки: "_s + QString::fromUtf8(exception.what()));
+            Q_EMIT refused(QString::fromUtf8(exception.what()));
         return false;
     }
+    retry.stop();
+    if (std::exchange(refusing, false))
+        Q_EMIT caughtUp();
+    return true;
 }
 
 // Rows first: no event may keep them waiting.
@@ -65,10 +78,24 @@ void LibraryWriter::write() {
         library.update(rows.cbegin().value());
         rows.erase(rows.cbegin());
     }
+    while (!obsoleteFiles.isEmpty())
+        QFile::remove(obsoleteFiles.takeFirst());
     while (!events.isEmpty()) {
-        const Event& event = events.first();
-        library.event(event.recordingId, event.kind, event.details);
+        write(events.first());
         events.removeFirst();
+    }
+}
+
+// Steps over an event whose recording was deleted from outside: it could never be written.
+void LibraryWriter::write(const Event& event) {
+    try {
+        library.event(event.recordingId, event.kind, event.details);
+    } catch (const std::exception&) {
+        const QList<Recording> all = library.list({}, {});
+        if (std::any_of(all.cbegin(), all.cend(), [&](const Recording& recording) {
+                return recording.id == event.recordingId;
+            }))
+            throw;
     }
 }
 

@@ -7,22 +7,28 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 namespace qn {
 
 class Library;
 
-// Writes the recording in progress into the library. What a locked or full library refuses is kept
-// and written as soon as it accepts it, so that it never ends a recording.
+// Writes into the library what nobody waits for: the recording in progress, and files that turned
+// out finished. What a locked or full library refuses is kept and tried again, so that it never
+// ends a recording. Lives on the library's thread.
 class LibraryWriter : public QObject {
     Q_OBJECT
 
 public:
     explicit LibraryWriter(Library& target);
 
+    // Both ignore what has no recording's id. Of a recording only the newest state is kept.
     void update(const Recording& recording);
     void addEvent(const QString& recordingId, const QString& kind, const QJsonObject& details);
+
+    // Removes the file when no kept row is left, one of which may be about to stop naming it.
+    void removeFile(const QString& path);
 
     // Tries at once, instead of waiting for the next try; true when nothing is left to write.
     bool flush();
@@ -31,8 +37,11 @@ public:
     void forget(const QString& recordingId);
 
 Q_SIGNALS:
-    // Emitted once, when the library begins to refuse.
+    // Emitted once, when the library begins to refuse, with the driver's text.
     void refused(const QString& error);
+
+    // Emitted when everything is written that was refused.
+    void caughtUp();
 
 private:
     struct Event {
@@ -42,10 +51,12 @@ private:
     };
 
     void write();
+    void write(const Event& event);
 
     Library& library;
     QHash<QString, Recording> rows; // the newest state of each, by id
     QList<Event> events;
+    QStringList obsoleteFiles;
     QTimer retry; // runs while the library refuses
     bool refusing = false;
 };

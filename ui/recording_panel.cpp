@@ -49,7 +49,12 @@ void setCaption(QLabel* label, LevelMeter* meter, const QString& caption) {
 
 } // namespace
 
-RecordingPanel::RecordingPanel(QWidget* parent) : QGroupBox(u"Созвон"_s, parent) {
+RecordingPanel::RecordingPanel(QWidget* parent)
+    : QGroupBox(u"Созвон"_s, parent),
+      recordButton(tallButton(u"●  Начать запись"_s)),
+      pauseButton(tallButton(u"Пауза"_s)),
+      stopButton(tallButton(u"Остановить"_s)) {
+    recordButton->setObjectName(u"record"_s);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(buildTitleRow());
     layout->addWidget(buildButtonRow());
@@ -68,12 +73,8 @@ QWidget* RecordingPanel::buildTitleRow() {
 }
 
 QWidget* RecordingPanel::buildButtonRow() {
-    record = tallButton(u"●  Начать запись"_s);
-    record->setObjectName(u"record"_s);
-    pause = tallButton(u"Пауза"_s);
-    stop = tallButton(u"Остановить"_s);
     status = new QLabel(u"Готов к записи"_s);
-    auto* row = rowOf({record, pause, stop, status});
+    auto* row = rowOf({recordButton, pauseButton, stopButton, status});
     addStretch(row);
     return row;
 }
@@ -93,15 +94,13 @@ QString RecordingPanel::title() const {
 
 void RecordingPanel::showState(State state) {
     const bool active = state == State::Recording || state == State::Paused;
-    // A button that is switched off hands the focus on, to the search field: it comes back.
-    focusIsOurs = focusIsOurs || (focusWidget() && focusWidget()->hasFocus());
-    record->setEnabled(isResting(state));
-    titleField->setEnabled(isResting(state));
-    pause->setEnabled(active);
-    stop->setEnabled(active);
-    pause->setText(state == State::Paused ? u"Продолжить"_s : u"Пауза"_s);
+    enable(recordButton, isResting(state));
+    enable(titleField, isResting(state));
+    enable(pauseButton, active);
+    enable(stopButton, active);
+    pauseButton->setText(state == State::Paused ? u"Продолжить"_s : u"Пауза"_s);
     status->setText(statusText(state));
-    takeFocusBack(active ? pause : record);
+    passFocusTo(active ? pauseButton : recordButton);
 }
 
 void RecordingPanel::setElapsed(qint64 ms) {
@@ -122,16 +121,21 @@ void RecordingPanel::setSystemCaption(const QString& caption) {
 }
 
 void RecordingPanel::setRecordEnabled(bool enabled) {
-    focusIsOurs = focusIsOurs || record->hasFocus();
-    record->setEnabled(enabled);
-    takeFocusBack(record);
+    enable(recordButton, enabled);
+    passFocusTo(recordButton);
 }
 
-void RecordingPanel::takeFocusBack(QPushButton* button) {
-    if (focusIsOurs && button->isEnabled()) {
+// A control that is switched off would hand its focus on to the search field. It waits on the
+// status instead, for the next button or until the user moves it.
+void RecordingPanel::enable(QWidget* control, bool enabled) {
+    if (!enabled && window()->focusWidget() == control)
+        status->setFocus();
+    control->setEnabled(enabled);
+}
+
+void RecordingPanel::passFocusTo(QPushButton* button) {
+    if (button->isEnabled() && window()->focusWidget() == status)
         button->setFocus();
-        focusIsOurs = false;
-    }
 }
 
 } // namespace qn

@@ -28,27 +28,24 @@ public:
     void setSystemCaption(const QString& caption);
     void setRecordEnabled(bool enabled);
 
-    QPushButton* recordButton() const { return record; }
-    QPushButton* pauseButton() const { return pause; }
-    QPushButton* stopButton() const { return stop; }
+    QPushButton* const recordButton;
+    QPushButton* const pauseButton;
+    QPushButton* const stopButton;
 
 private:
     QWidget* buildTitleRow();
     QWidget* buildButtonRow();
     QWidget* buildMeterRow();
-    void takeFocusBack(QPushButton* button);
+    void enable(QWidget* control, bool enabled);
+    void passFocusTo(QPushButton* button);
 
     QLineEdit* titleField = nullptr;
     QLabel* elapsed = nullptr;
-    QPushButton* record = nullptr;
-    QPushButton* pause = nullptr;
-    QPushButton* stop = nullptr;
     QLabel* status = nullptr;
     QLabel* microphoneCaption = nullptr;
     LevelMeter* microphoneMeter = nullptr;
     QLabel* systemCaption = nullptr;
     LevelMeter* systemMeter = nullptr;
-    bool focusIsOurs = false; // until the next button is switched on
 };
 
 } // namespace qn

@@ -64,7 +64,6 @@ Window::Window(const QString& dataDirectory)
       backend(makeCaptureBackend()),
       settings(loadSettings()) {
     library->markInterrupted();
-    library->list({}, {}); // what can't be read at all ends the start here, with its error
     setWindowTitle(u"Quorlin"_s);
     setWindowIcon(QIcon(u":/app-icon.png"_s));
     resize(kInitialSize);
@@ -73,6 +72,7 @@ Window::Window(const QString& dataDirectory)
     audioOutput.setVolume(kPlaybackVolume);
     connectPlayer();
     connectControls();
+    adoptFinishedFiles();
     connectWorker();
     bindShortcuts();
     auto* catalogTimer = new QTimer(this);
@@ -117,6 +117,10 @@ void Window::buildUi() {
     details->setTabChangesFocus(true);
     // A bar that comes with a long journal would have all of it laid out twice.
     details->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    // A long journal is laid out in half the time without ligatures and kerning.
+    QFont font = details->font();
+    font.setStyleStrategy(QFont::PreferNoShaping);
+    details->setFont(font);
     details->setAccessibleName(u"Сведения о записи"_s);
     details->setPlaceholderText(
         u"Выберите созвон для просмотра времени, файла и переключений источников"_s);
@@ -158,9 +162,9 @@ void Window::buildMenu() {
 void Window::connectControls() {
     connect(settingsDialog, &SettingsDialog::sourceKindChanged, this, &Window::changeSourceKind);
     connect(settingsDialog, &SettingsDialog::changed, this, &Window::savePreferences);
-    connect(recordingPanel->recordButton(), &QPushButton::clicked, this, &Window::startRecording);
-    connect(recordingPanel->pauseButton(), &QPushButton::clicked, this, &Window::togglePause);
-    connect(recordingPanel->stopButton(), &QPushButton::clicked, this, &Window::stopRecording);
+    connect(recordingPanel->recordButton, &QPushButton::clicked, this, &Window::startRecording);
+    connect(recordingPanel->pauseButton, &QPushButton::clicked, this, &Window::togglePause);
+    connect(recordingPanel->stopButton, &QPushButton::clicked, this, &Window::stopRecording);
     connect(filterBar, &FilterBar::changed, this, &Window::refreshLibrary);
     connect(table, &QTableWidget::itemSelectionChanged, this, &Window::selectionChanged);
     connect(table, &QTableWidget::cellDoubleClicked, this, &Window::playSelected);
@@ -169,16 +173,17 @@ void Window::connectControls() {
     connect(actionBar->renameButton, &QPushButton::clicked, this, &Window::renameSelected);
     connect(actionBar->folderButton, &QPushButton::clicked, this, &Window::openFolder);
     connect(actionBar->removeButton, &QPushButton::clicked, this, &Window::deleteSelected);
-    connect(exportBar, &ExportBar::cancelClicked, &exportJob, &ExportJob::cancel);
+    connect(exportBar->cancelButton, &QPushButton::clicked, &exportJob, &ExportJob::cancel);
     connect(&exportJob, &ExportJob::progress, exportBar, &ExportBar::setProgress);
     connect(&exportJob, &ExportJob::finished, this, &Window::exportFinished);
     connect(writer.get(), &LibraryWriter::refused, this, &Window::libraryRefused);
+    connect(writer.get(), &LibraryWriter::caughtUp, this, &Window::refreshLibrary);
 }
 
 void Window::bindShortcuts() {
-    bindShortcut(this, {u"Ctrl+R"_s}, recordingPanel->recordButton());
-    bindShortcut(this, {u"Ctrl+P"_s}, recordingPanel->pauseButton());
-    bindShortcut(this, {u"Ctrl+."_s}, recordingPanel->stopButton());
+    bindShortcut(this, {u"Ctrl+R"_s}, recordingPanel->recordButton);
+    bindShortcut(this, {u"Ctrl+P"_s}, recordingPanel->pauseButton);
+    bindShortcut(this, {u"Ctrl+."_s}, recordingPanel->stopButton);
     bindShortcut(this, {u"Ctrl+E"_s}, actionBar->exportButton);
     bindShortcut(this, {u"F2"_s}, actionBar->renameButton);
     bindShortcut(this, {u"Ctrl+Left"_s}, playbackPanel->backButton)->setAutoRepeat(true);

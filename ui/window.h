@@ -89,6 +89,8 @@ private:
     void recordingProgress(qint64 durationMs);
     void sourceChanged(const QString& description, const QJsonObject& details);
 
+    // Throws what the library throws: one that can't be read at all ends the start.
+    void adoptFinishedFiles();
     void showDetails();
     const Recording* selected() const;
     SelectionFacts selectionFacts() const;
@@ -105,12 +107,15 @@ private:
     bool confirm(const QString& title, const QString& question);
     bool deferCloseToRecording();
     bool mayCancelExport();
+
+    // What the library throws becomes a message. The user waits for this: the box comes at once.
     bool tryLibrary(const std::function<void()>& action);
-    bool readLibrary(const std::function<void()>& action);
-    void libraryRefused(const QString& error);
+    // Nobody asked for this: one box, after the present work, until the library works again.
+    void tryLibraryQuietly(const std::function<void()>& action);
+    void libraryRefused(const QString& reason);
 
     std::unique_ptr<Library> library;
-    std::unique_ptr<LibraryWriter> writer;   // the recording in progress goes through it
+    std::unique_ptr<LibraryWriter> writer;   // for what may have to wait for the library
     std::unique_ptr<CaptureBackend> backend; // lists sources only
     Settings settings;
     Catalog catalog;
@@ -126,7 +131,7 @@ private:
     bool populating = false;        // the source combos are being refilled
     bool libraryErrorShown = false; // until the library works again
     bool closePending = false;
-    bool closing = false; // nobody is there to answer: no more message boxes
+    bool closing = false; // nobody looks any more: no message boxes, nothing is loaded
     bool recovering = false;
     Recording exportSubject; // being repaired
     QString recoveryTarget;

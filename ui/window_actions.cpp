@@ -16,7 +16,6 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 
-#include <exception>
 #include <utility>
 
 namespace qn {
@@ -38,10 +37,6 @@ QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, con
 QString shortened(const QString& title) {
     return title.size() > kLongestAskedTitle ? title.left(kLongestAskedTitle) + u'…' : title;
 }
-
-QString libraryError(const std::exception& exception) {
-    return u"Ошибка библиотеки: "_s + QString::fromUtf8(exception.what());
-}
 } // namespace
 
 bool Window::confirm(const QString& title, const QString& question) {
@@ -52,36 +47,6 @@ bool Window::confirm(const QString& title, const QString& question) {
 void Window::showError(const QString& message) {
     if (!closing)
         showBox(this, QMessageBox::Warning, u"Quorlin"_s, message, QMessageBox::Ok);
-}
-
-// The library throws; here its error becomes a message.
-bool Window::tryLibrary(const std::function<void()>& action) {
-    try {
-        action();
-        return true;
-    } catch (const std::exception& exception) {
-        showError(libraryError(exception));
-        return false;
-    }
-}
-
-// The same for what the user did not ask for: one message until the library works again.
-bool Window::readLibrary(const std::function<void()>& action) {
-    try {
-        action();
-        libraryErrorShown = false;
-        return true;
-    } catch (const std::exception& exception) {
-        libraryRefused(libraryError(exception));
-        return false;
-    }
-}
-
-// The message waits until the present work is done: behind a box everything may change.
-void Window::libraryRefused(const QString& error) {
-    if (!std::exchange(libraryErrorShown, true))
-        QMetaObject::invokeMethod(
-            this, [this, error] { showError(error); }, Qt::QueuedConnection);
 }
 
 void Window::exportSelected() {
@@ -139,9 +104,7 @@ void Window::completeRecovery() {
     exportSubject.status = u"ready"_s;
     writer->update(exportSubject);
     writer->addEvent(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
-    // While the row still names the partial file, it stays.
-    if (writer->flush())
-        QFile::remove(partial);
+    writer->removeFile(partial);
 }
 
 void Window::renameSelected() {

@@ -1,5 +1,7 @@
 #include "ui/action_bar.h"
 #include "ui/filter_bar.h"
+#include "ui/finished_files.h"
+#include "ui/library_writer.h"
 #include "ui/recording_table.h"
 #include "ui/recording_text.h"
 #include "ui/waveform_timeline.h"
@@ -11,20 +13,63 @@
 #include <QTextEdit>
 #include <QUrl>
 
+#include <exception>
+#include <utility>
+
 namespace qn {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QString libraryError(const QString& reason) {
+    return u"Ошибка библиотеки: "_s + reason;
+}
+
+} // namespace
+
+bool Window::tryLibrary(const std::function<void()>& action) {
+    try {
+        action();
+        return true;
+    } catch (const std::exception& exception) {
+        showError(libraryError(QString::fromUtf8(exception.what())));
+        return false;
+    }
+}
+
+void Window::tryLibraryQuietly(const std::function<void()>& action) {
+    try {
+        action();
+        libraryErrorShown = false;
+    } catch (const std::exception& exception) {
+        libraryRefused(QString::fromUtf8(exception.what()));
+    }
+}
+
+// The message waits until the present work is done: behind a box everything may change.
+void Window::libraryRefused(const QString& reason) {
+    if (!std::exchange(libraryErrorShown, true))
+        QMetaObject::invokeMethod(
+            this, [this, reason] { showError(libraryError(reason)); }, Qt::QueuedConnection);
+}
+
+void Window::adoptFinishedFiles() {
+    const QList<Recording> finished = finishedUnnoticed(library->list({}, {}));
+    for (const Recording& recording : finished)
+        writer->update(recording);
+}
+
 void Window::refreshLibrary() {
-    readLibrary([this] { rows = library->list(filterBar->searchText(), filterBar->date()); });
-    const QSignalBlocker blocker(table);
+    if (closing)
+        return;
+    tryLibraryQuietly([this] { rows = library->list(filterBar->searchText(), filterBar->date()); });
     table->setRows(rows);
     selectionChanged();
 }
 
 const Recording* Window::selected() const {
-    const int row = table->currentRow();
-    return row >= 0 && row < rows.size() ? &rows.at(row) : nullptr;
+    return table->selected();
 }
 
 SelectionFacts Window::selectionFacts() const {
@@ -40,6 +85,8 @@ SelectionFacts Window::selectionFacts() const {
 }
 
 void Window::selectionChanged() {
+    if (closing)
+        return;
     const SelectionFacts facts = selectionFacts();
     const QString path = isPlayable(facts) ? selected()->path : QString();
     setPlayerSource(mayPlay(facts) ? path : QString());
@@ -56,7 +103,7 @@ void Window::showDetails() {
         return;
     }
     QJsonArray events;
-    readLibrary([&] { events = library->events(recording->id); });
+    tryLibraryQuietly([&] { events = library->events(recording->id); });
     details->setPlainText(detailsText(*recording, events));
 }
 

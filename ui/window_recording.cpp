@@ -107,11 +107,11 @@ void Window::stateChanged(State newState) {
     const State oldState = std::exchange(state, newState);
     recordingPanel->showState(newState);
     settingsDialog->setEditable(isResting(newState));
-    if (!current.id.isEmpty() && newState == State::Paused) {
+    if (newState == State::Paused) {
         current.status = u"paused"_s;
         writer->addEvent(current.id, u"pause"_s, {});
         writer->update(current);
-    } else if (!current.id.isEmpty() && newState == State::Recording) {
+    } else if (newState == State::Recording) {
         current.status = u"recording"_s;
         if (oldState == State::Paused)
             writer->addEvent(current.id, u"resume"_s, {});
@@ -139,8 +139,7 @@ void Window::sourceChanged(const QString& description, const QJsonObject& source
         recordingPanel->setMicrophoneCaption(description);
     else
         recordingPanel->setSystemCaption(description);
-    if (!current.id.isEmpty())
-        writer->addEvent(current.id, u"source"_s, sourceDetails);
+    writer->addEvent(current.id, u"source"_s, sourceDetails);
 }
 
 void Window::recordingFinished(const QString& path, qint64 durationMs, const QString& error) {

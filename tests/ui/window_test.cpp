@@ -65,6 +65,15 @@ class WindowTest : public QObject {
         QTRY_VERIFY(shows(u"● Записываем"_s));
         QTest::qWait(ms);
     }
+    void refuseUpdates() {
+        sql(u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
+            "RAISE(ABORT,'refused'); END"_s);
+        answers = {[](QDialog* dialog) {
+            QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().contains(u"refused"_s));
+            dialog->accept();
+        }};
+        QTRY_COMPARE(answers.size(), 0);
+    }
     void stop() {
         button(u"Остановить"_s)->click();
         QTRY_VERIFY(!shows(u"● Записываем"_s) && !shows(u"Сохраняем…"_s));
@@ -157,20 +166,48 @@ private Q_SLOTS:
     }
 
     void aLibraryThatRefusesCostsNeitherFileNorRow() {
+        for (const bool quits : {false, true}) {
+            open();
+            record(100);
+            refuseUpdates();
+            stop();
+            if (quits)
+                window.reset();
+            sql(u"DROP TRIGGER no"_s);
+            if (quits)
+                open();
+            QTRY_COMPARE(cell(0, 5), u"Готово"_s);
+            QVERIFY(status() == u"ready"_s && QFile::exists(path()));
+        }
+    }
+
+    void aRowDeletedFromOutsideHoldsNothingUp() {
         open();
         record(100);
-        sql(u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
-            "RAISE(ABORT,'refused'); END"_s);
-        answers = {[](QDialog* dialog) {
-            QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().contains(u"refused"_s));
-            dialog->accept();
-        }};
-        QTRY_COMPARE(answers.size(), 0);
-        QTest::qWait(1200);
-        sql(u"DROP TRIGGER no"_s);
+        sql(u"DELETE FROM recordings"_s);
+        button(u"Пауза"_s)->click();
+        QTRY_VERIFY(shows(u"На паузе"_s));
+        button(u"Продолжить"_s)->click();
+        QTRY_VERIFY(shows(u"● Записываем"_s));
+        stop();
+        record(100);
         stop();
         QTRY_COMPARE(status(), u"ready"_s);
-        QVERIFY(QFile::exists(path()));
+        QVERIFY(!sql(u"SELECT kind FROM events"_s).isEmpty());
+    }
+
+    void theFocusWaitsForTheNextButtonUnlessTheUserMovesIt() {
+        open();
+        QWidget* search = find<QCheckBox>(u"Дата"_s);
+        for (QWidget* chosen : {static_cast<QWidget*>(button(u"Пауза"_s)), search}) {
+            recordButton()->setFocus();
+            recordButton()->click();
+            if (chosen == search)
+                search->setFocus();
+            QTRY_VERIFY(shows(u"● Записываем"_s));
+            QCOMPARE(window->focusWidget(), chosen);
+            stop();
+        }
     }
 
     void everyEndSavesTheRecording() {
@@ -209,6 +246,9 @@ private Q_SLOTS:
         open();
         QCOMPARE(cell(0, 5), u"Нуждается в восстановлении"_s);
         button(u"Восстановить"_s)->click();
+        refuseUpdates();
+        QVERIFY(QFile::exists(whole + u".part"_s));
+        sql(u"DROP TRIGGER no"_s);
         QTRY_COMPARE(cell(0, 5), u"Готово"_s);
         QVERIFY(path() == whole && QFile::exists(whole) && !QFile::exists(whole + u".part"_s));
 
