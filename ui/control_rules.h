@@ -35,7 +35,7 @@ struct PlaybackRules {
     bool seek = false;
 };
 
-// A finished file that can be read: its waveform is shown, even while another is being recorded.
+// There is a file that nobody is writing: its waveform is shown, even while another is recorded.
 bool isPlayable(const SelectionFacts& facts);
 
 // Nothing is played while a session runs, or the recording would record it.

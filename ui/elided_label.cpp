@@ -1,6 +1,8 @@
 #include "ui/elided_label.h"
 
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 
 namespace qn {
 
@@ -8,11 +10,24 @@ QSize ElidedLabel::minimumSizeHint() const {
     return {0, QLabel::minimumSizeHint().height()};
 }
 
+QString ElidedLabel::line() const {
+    return text().simplified();
+}
+
+QString ElidedLabel::shownLine() const {
+    return fontMetrics().elidedText(line(), Qt::ElideRight, width());
+}
+
+bool ElidedLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QLabel::event(event);
+    const QString tip = shownLine() == line() ? QString() : line().toHtmlEscaped();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this); // empty: hides it
+    return true;
+}
+
 void ElidedLabel::paintEvent(QPaintEvent*) {
-    const QString line = text().simplified();
-    const QString shown = fontMetrics().elidedText(line, Qt::ElideRight, width());
-    setToolTip(shown == line ? QString() : line.toHtmlEscaped());
-    QPainter(this).drawText(rect(), static_cast<int>(alignment()), shown);
+    QPainter(this).drawText(rect(), static_cast<int>(alignment()), shownLine());
 }
 
 } // namespace qn

@@ -15,7 +15,12 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString line() const;
+    QString shownLine() const;
 };
 
 } // namespace qn

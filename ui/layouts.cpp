@@ -37,16 +37,4 @@ void addStretch(QWidget* panel, int index) {
     qobject_cast<QBoxLayout*>(panel->layout())->insertStretch(index);
 }
 
-void enableOneOf(QWidget* first, bool firstOn, QWidget* second, bool secondOn) {
-    const bool toSecond = first->hasFocus() && !firstOn && secondOn;
-    const bool toFirst = second->hasFocus() && !secondOn && firstOn;
-    if (toFirst || toSecond) {
-        QWidget* next = toFirst ? first : second;
-        next->setEnabled(true);
-        next->setFocus();
-    }
-    first->setEnabled(firstOn);
-    second->setEnabled(secondOn);
-}
-
 } // namespace qn

@@ -17,8 +17,4 @@ QWidget* columnOf(std::initializer_list<QWidget*> widgets);
 // Free space in a panel at that place, by default its end.
 void addStretch(QWidget* panel, int index = -1);
 
-// Enables either button; the focus of one that is switched off passes to the other, so that the
-// next Space undoes the last one.
-void enableOneOf(QWidget* first, bool firstOn, QWidget* second, bool secondOn);
-
 } // namespace qn

@@ -21,6 +21,20 @@ QPushButton* playbackButton(const QString& text, const QString& objectName) {
     return button;
 }
 
+// Enables either button; the focus of one that is switched off passes to the other, so that the
+// next Space undoes the last one.
+void enableOneOf(QWidget* first, bool firstOn, QWidget* second, bool secondOn) {
+    const bool toSecond = first->hasFocus() && !firstOn && secondOn;
+    const bool toFirst = second->hasFocus() && !secondOn && firstOn;
+    if (toFirst || toSecond) {
+        QWidget* next = toFirst ? first : second;
+        next->setEnabled(true);
+        next->setFocus();
+    }
+    first->setEnabled(firstOn);
+    second->setEnabled(secondOn);
+}
+
 } // namespace
 
 PlaybackPanel::PlaybackPanel(QWidget* parent)

@@ -14,13 +14,14 @@ void select(ComboContents& contents, const QVariant& wanted, bool wantedIsEmpty,
     auto& items = contents.items;
     const auto found = std::find_if(items.cbegin(), items.cend(),
                                     [&](const ComboItem& item) { return item.data == wanted; });
-    contents.current = static_cast<int>(found - items.cbegin());
-    if (found != items.cend())
-        return;
-    if (wantedIsEmpty)
+    if (found != items.cend()) {
+        contents.current = static_cast<int>(found - items.cbegin());
+    } else if (wantedIsEmpty) {
         contents.current = items.isEmpty() ? -1 : 0;
-    else
+    } else {
         items.append({absentText, wanted});
+        contents.current = static_cast<int>(items.size()) - 1;
+    }
 }
 
 ComboContents systemItem(const Catalog& catalog) {
