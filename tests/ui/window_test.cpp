@@ -187,8 +187,6 @@ private Q_SLOTS:
         sql(u"DELETE FROM recordings"_s);
         button(u"Пауза"_s)->click();
         QTRY_VERIFY(shows(u"На паузе"_s));
-        button(u"Продолжить"_s)->click();
-        QTRY_VERIFY(shows(u"● Записываем"_s));
         stop();
         record(100);
         stop();
@@ -198,12 +196,11 @@ private Q_SLOTS:
 
     void theFocusWaitsForTheNextButtonUnlessTheUserMovesIt() {
         open();
-        QWidget* search = find<QCheckBox>(u"Дата"_s);
-        for (QWidget* chosen : {static_cast<QWidget*>(button(u"Пауза"_s)), search}) {
+        QWidget* elsewhere = find<QCheckBox>(u"Дата"_s);
+        for (QWidget* chosen : {static_cast<QWidget*>(button(u"Пауза"_s)), elsewhere}) {
             recordButton()->setFocus();
             recordButton()->click();
-            if (chosen == search)
-                search->setFocus();
+            chosen->setFocus(); // without effect on a button that is still off
             QTRY_VERIFY(shows(u"● Записываем"_s));
             QCOMPARE(window->focusWidget(), chosen);
             stop();
