@@ -73,8 +73,7 @@ public:
         const auto known = texts.constFind(object);
         if (known != texts.cend())
             return *known;
-        const QString text =
-            QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+        QString text = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
         if (texts.size() < kMostRemembered)
             texts.insert(object, text);
         return text;
