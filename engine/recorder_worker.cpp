@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <ratio>
 
 namespace qn {
 
@@ -24,6 +25,7 @@ namespace {
 constexpr auto kTick = 20ms;
 constexpr auto kWatchInterval = 1s;
 constexpr std::chrono::nanoseconds kLatency = 250ms; // time for both inputs to deliver
+using Samples = std::chrono::duration<qint64, std::ratio<1, kTimelineRate>>;
 constexpr qint64 kSamplesPerMs = kTimelineRate / 1000;
 constexpr qint64 kLargestLag = 4 * kTimelineRate;
 constexpr qint64 kLargestChunk = kTimelineRate / 10;
@@ -153,8 +155,8 @@ bool RecorderWorker::diskIsFull() const {
 
 void RecorderWorker::render(bool flush) {
     const auto latency = flush ? std::chrono::nanoseconds::zero() : kLatency;
-    const std::chrono::nanoseconds elapsed = Clock::now() - latency - sessionStart;
-    const qint64 target = std::max<qint64>(0, elapsed.count() * kTimelineRate / 1'000'000'000);
+    const auto elapsed = std::chrono::duration_cast<Samples>(Clock::now() - latency - sessionStart);
+    const qint64 target = std::max<qint64>(0, elapsed.count());
     if (target - mixer.samplesRead() > kLargestLag) {
         finish(u"Обработка звука отстала более чем на 4 секунды"_s);
         return;
