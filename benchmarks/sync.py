@@ -16,6 +16,8 @@ from headless import Headless, ProgramWindow, wait_for, write_settings
 
 PIECE = RATE // 2
 STEP = 2 * RATE
+LEAD = 2  # seconds of the call before it is recorded
+REACH = 2 * RATE  # how far from its expected place a piece is looked for
 
 
 def strongest(match, away_from=None):
@@ -28,14 +30,13 @@ def strongest(match, away_from=None):
 
 def places(recording, noise, lead):
     """For a piece of every other second: seconds by which each side stands later than played."""
-    reach = RATE // 2
     result = []
-    for at in range(2 * RATE, len(noise) - 2 * RATE, STEP):
-        first = at + round(lead * RATE) - reach
-        part = recording[first:first + 2 * reach + PIECE].astype(np.float64)
+    for at in range((LEAD + 4) * RATE, len(noise) - 3 * RATE, STEP):
+        first = at - round(lead * RATE) - REACH
+        part = recording[first:first + 2 * REACH + PIECE].astype(np.float64)
         size = 1 << (len(part) + PIECE).bit_length()
         match = np.fft.irfft(np.fft.rfft(part, size) *
-                             np.conj(np.fft.rfft(noise[at:at + PIECE], size)), size)[:2 * reach]
+                             np.conj(np.fft.rfft(noise[at:at + PIECE], size)), size)[:2 * REACH]
         far = strongest(match)  # the microphone is turned down
         near = strongest(match, far)
         result.append(((first + far - at) / RATE, (first + near - at) / RATE))
@@ -53,13 +54,13 @@ def in_step(build, server, seconds):
             file.setparams((1, 2, RATE, 0, "NONE", ""))
             file.writeframes((noise * 32767).astype("<i2").tobytes())
         window = ProgramWindow(place, build / "app" / "quorlin", "--data-dir", place.folder / "d")
-        window.press("ctrl+r")
-        wait_for("the recording", lambda: list(recordings.glob("*.part")))
         began = time.monotonic()
-        time.sleep(2)
+        player = place.spawn("env", "PULSE_LATENCY_MSEC=60",  # as a call program asks for
+                             "paplay", "--device=speakers", place.folder / "noise.wav")
+        time.sleep(LEAD)
+        window.press("ctrl+r")
         lead = time.monotonic() - began
-        place.env["PULSE_LATENCY_MSEC"] = "60"  # as a call program asks for
-        player = place.spawn("paplay", "--device=speakers", place.folder / "noise.wav")
+        wait_for("the recording", lambda: list(recordings.glob("*.part")))
         player.wait(seconds + 20)
         window.press("ctrl+period")
         file, = wait_for("the file", lambda: list(recordings.glob("*.wav")), 30)
