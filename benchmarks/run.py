@@ -89,6 +89,7 @@ def main():
               for program in programs if program.name != "meters_benchmark"]
     groups += [
         ("meters", lambda: whole_program.meters(build)),
+        ("row selection", lambda: whole_program.row_selection(build)),
         ("first picture", lambda: whole_program.first_picture(build)),
         ("recording", lambda: whole_program.recording(build, seconds)),
         ("sync pulseaudio", lambda: sync.in_step(build, "pulseaudio", seconds)),

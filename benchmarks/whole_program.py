@@ -29,6 +29,15 @@ def meters(build):
               f"{yardstick:.2f} s", measured / yardstick, 1.0)
 
 
+def row_selection(build):
+    """From selecting another row until its details are painted."""
+    with Headless() as place:
+        place.env["QT_MEDIA_BACKEND"] = "ffmpeg"
+        took = float(place.run(build / "benchmarks" / "row_selection"))
+    yield Row("selecting another row, journal of 1,000 events", f"{took:.1f} ms", value=took,
+              limit=10, is_ratio=False)
+
+
 def first_picture(build):
     """Start to first picture, beside a bare window; medians of runs that take turns."""
     commands = {"program": [build / "app" / "quorlin", "--data-dir"],
