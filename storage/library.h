@@ -49,7 +49,7 @@ private:
     void close();
 
     void readChanges() const;
-    QList<Recording> readAll() const;
+    void readAll() const;
 
     QSqlDatabase db;
     QString connectionName;
