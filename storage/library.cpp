@@ -84,7 +84,7 @@ public:
         const auto known = objects.constFind(text);
         if (known != objects.cend())
             return *known;
-        const QJsonObject object = QJsonDocument::fromJson(text).object();
+        QJsonObject object = QJsonDocument::fromJson(text).object();
         if (objects.size() < kMostRemembered)
             objects.insert(text, object);
         return object;
