@@ -152,20 +152,15 @@ void RecorderWorker::closeMicrophone() {
     microphoneDevice.clear();
     microphoneId.clear();
     microphoneBuffer.clear();
-    microphoneClock = {};
 }
 
 void RecorderWorker::readMicrophone() {
     if (!microphoneDevice || state != State::Recording)
         return;
     microphoneBuffer += microphoneDevice->readAll();
-    AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
-    if (block.samples.isEmpty())
-        return;
-    const qint64 frames = block.samples.size() / block.channels;
-    block.timestampNs =
-        microphoneClock.startOf(block.timestampNs, durationNs(frames, block.sampleRate));
-    push(TimelineMixer::kMicrophone, block);
+    const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
+    if (!block.samples.isEmpty())
+        push(TimelineMixer::kMicrophone, block);
 }
 
 void RecorderWorker::warning(const QString& text) {

@@ -2,7 +2,6 @@
 
 #include "core/settings.h"
 #include "core/state.h"
-#include "engine/microphone_clock.h"
 #include "engine/timeline_mixer.h"
 
 #include <QAudioDevice>
@@ -100,7 +99,6 @@ private:
     std::unique_ptr<Encoder> encoder;
     QPointer<QIODevice> microphoneDevice; // the open microphone's, which may delete it on failure
     QAudioFormat microphoneFormat;
-    MicrophoneClock microphoneClock;
     QTimer* timer = nullptr;
     TimelineMixer mixer;
     Clock::time_point sessionStart; // of the segment since the last pause; the mixer's origin

@@ -1,4 +1,3 @@
-#include "engine/microphone_clock.h"
 #include "engine/microphone_samples.h"
 #include "engine/recorder_worker.h"
 #include "tests/support/fake_backend.h"
@@ -186,17 +185,6 @@ private Q_SLOTS:
             QVERIFY2(block.samples == samples && bytes.size() == left, input.toHex().data());
             QVERIFY(samples.isEmpty() || block.timestampNs == 999'977'325);
         }
-    }
-
-    void aLateReadDoesNotMoveTheMicrophone() {
-        MicrophoneClock clock;
-        struct Row {
-            qint64 latestMs, lengthMs, startsMs;
-        };
-        for (const Row& row : {Row{500, 200, 500}, Row{800, 100, 700}, Row{795, 200, 795},
-                               Row{1140, 5, 995}, Row{1151, 9, 1151}})
-            QCOMPARE(clock.startOf(row.latestMs * 1'000'000, row.lengthMs * 1'000'000) / 1'000'000,
-                     row.startsMs);
     }
 };
 
