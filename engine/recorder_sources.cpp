@@ -1,4 +1,5 @@
 #include "capture/capture_backend.h"
+#include "engine/microphone_lookout.h"
 #include "engine/microphone_samples.h"
 #include "engine/recorder_worker.h"
 
@@ -132,6 +133,9 @@ void RecorderWorker::startMicrophone() {
     }
     microphoneId = device.id();
     connect(microphoneDevice, &QIODevice::readyRead, this, &RecorderWorker::readMicrophone);
+#ifdef Q_OS_LINUX // elsewhere Qt says readyRead as the data arrive
+    microphoneLookout = new MicrophoneLookout(*microphoneDevice);
+#endif
     announceMicrophone(device);
 }
 
@@ -159,6 +163,9 @@ void RecorderWorker::readMicrophone() {
         return;
     microphoneBuffer += microphoneDevice->readAll();
     const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
+    if (microphoneLookout)
+        microphoneLookout->found(
+            durationNs(block.samples.size() / block.channels, block.sampleRate));
     if (!block.samples.isEmpty())
         push(TimelineMixer::kMicrophone, block);
 }

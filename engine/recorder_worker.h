@@ -24,6 +24,7 @@ namespace qn {
 
 class CaptureBackend;
 class Encoder;
+class MicrophoneLookout;
 struct AudioBlock;
 struct Catalog;
 struct Selection;
@@ -98,6 +99,7 @@ private:
     std::unique_ptr<QAudioSource> microphone;
     std::unique_ptr<Encoder> encoder;
     QPointer<QIODevice> microphoneDevice; // the open microphone's, which may delete it on failure
+    QPointer<MicrophoneLookout> microphoneLookout; // the device's child; null where Qt needs none
     QAudioFormat microphoneFormat;
     QTimer* timer = nullptr;
     TimelineMixer mixer;

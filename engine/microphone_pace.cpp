@@ -1,0 +1,47 @@
+#include "engine/microphone_pace.h"
+
+#include <algorithm>
+
+namespace qn {
+namespace {
+
+constexpr qint64 kMs = 1'000'000;
+constexpr qint64 kShortestPeriod = 15 * kMs;
+constexpr qint64 kLongestPeriod = 100 * kMs; // two of them still come in time to be mixed
+constexpr qint64 kRetry = 5 * kMs;
+constexpr qint64 kPatience = 50 * kMs; // a server's cycle is 43 ms at most
+constexpr qint64 kPunctual = 5 * kMs;
+// Looks come earlier by this part of a period, until one is in vain: follows a microphone whose
+// clock is fast.
+constexpr qint64 kEarlier = 1000;
+
+} // namespace
+
+bool MicrophonePace::isTime(qint64 now) {
+    skipped = period > 0 && !skipped && now - next > kPunctual;
+    if (skipped)
+        skip(now);
+    return !skipped;
+}
+
+void MicrophonePace::found(qint64 now, qint64 duration) {
+    if (duration > 0 && duration >= period - kRetry) {
+        const qint64 packets = (kShortestPeriod + duration - 1) / duration;
+        period = std::min(packets * duration, kLongestPeriod);
+        next = expected = next + period - period / kEarlier;
+    } else if (duration == 0 && period > 0 && now - expected >= kPatience) {
+        skip(now);
+    } else {
+        next = now + kRetry;
+        if (duration > 0)
+            period = 0; // the packets are smaller now
+    }
+}
+
+void MicrophonePace::skip(qint64 now) {
+    while (expected <= now)
+        expected += period;
+    next = expected + period / kEarlier; // none of the blocks may be missing then
+}
+
+} // namespace qn
