@@ -25,22 +25,22 @@ bool MicrophonePace::isTime(qint64 now) {
 }
 
 void MicrophonePace::found(qint64 now, qint64 duration) {
-    if (duration > 0 && duration >= period - kRetry) {
+    if (duration > 0 && duration >= awaited - kRetry) {
         const qint64 packets = (kShortestPeriod + duration - 1) / duration;
-        period = std::min(packets * duration, kLongestPeriod);
+        period = awaited = std::min(packets * duration, kLongestPeriod);
         next = expected = next + period - period / kEarlier;
     } else if (duration == 0 && period > 0 && now - expected >= kPatience) {
         skip(now);
     } else {
         next = now + kRetry;
-        if (duration > 0)
-            period = 0; // the packets are smaller now
+        if (duration > 0) // the packets are smaller now, or some were lost
+            period = awaited = 0;
     }
 }
 
 void MicrophonePace::skip(qint64 now) {
-    while (expected <= now)
-        expected += period;
+    for (; expected <= now; expected += period)
+        awaited += period;
     next = expected + period / kEarlier; // none of the blocks may be missing then
 }
 

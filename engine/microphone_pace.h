@@ -23,7 +23,8 @@ private:
 
     qint64 next;
     qint64 expected = 0; // when the next block should be there
-    qint64 period = 0;   // between two looks; 0 until the first block
+    qint64 period = 0;   // between two looks; 0 until a packet has told it
+    qint64 awaited = 0;  // how much should be there then
     bool skipped = false;
 };
 

@@ -13,9 +13,13 @@ struct Microphone {
     double stallMs = 0;      // of the reading thread, from 10 s on
     double stallEndMs = 10'100;
     double laterPacketMs = packetMs; // from 32 s on
+    double lostMs = 0;               // by the server, after 10 s
+    int misplaced = 0;               // blocks
 
     // How much has been delivered by then, in ms.
     double delivered(double nowMs) const {
+        if (nowMs > 10'000)
+            nowMs = std::max(nowMs - lostMs, 10'000.0);
         const double length = nowMs < 32'000 ? packetMs : laterPacketMs;
         double packets = std::floor(nowMs * speed / length);
         const auto arrival = [&](double packet) {
@@ -38,7 +42,8 @@ const Microphone kMicrophones[]{{"quick server", 100, 10.67},
                                 {"stalled thread", 100, 1, 1, 0, 60},
                                 {"busy machine", 100, 1, 1, 0, 8, 60'000},
                                 {"packets get smaller", 100, 1, 1, 0, 0, 0, 64.0 / 3},
-                                {"packets grow", 64.0 / 3, 1, 1, 0, 0, 0, 100}};
+                                {"packets grow", 64.0 / 3, 1, 1, 0, 0, 0, 100},
+                                {"lost packets", 100, 1, 1, 0, 0, 0, 100, 70, 1}};
 
 class MicrophonePaceTest : public QObject {
     Q_OBJECT
@@ -50,6 +55,7 @@ private Q_SLOTS:
             double readMs = 0;
             double first = NAN;
             int looks = 0;
+            int misplaced = 0;
             for (double nowMs = 0; nowMs < 60'000; ++looks) {
                 nowMs = std::max(nowMs, static_cast<double>(pace.nextLook()) / 1e6);
                 if (nowMs > 10'000 && nowMs <= microphone.stallEndMs)
@@ -60,14 +66,16 @@ private Q_SLOTS:
                 const double found = microphone.delivered(nowMs) - readMs;
                 pace.found(now, static_cast<qint64>(found * 1e6));
                 readMs += found;
-                const double late = nowMs - readMs / microphone.speed;
-                if (found > 0 && std::isnan(first))
-                    first = late;
+                if (found <= 0)
+                    continue;
+                const double lost = nowMs > 10'100 ? microphone.lostMs : 0;
+                const double late = nowMs - lost - readMs / microphone.speed;
+                first = std::isnan(first) ? late : first;
                 // More would be a gap or an overlap for the mixer, or come too late for it.
-                QVERIFY2(found <= 0 || (std::abs(late - first) <= 20 && found < 230),
-                         microphone.name);
+                misplaced += std::abs(late - first) > 20 || found > 230;
             }
-            QVERIFY2(readMs > 59'500 && looks < 70 * 60, microphone.name);
+            QVERIFY2(readMs > 59'400 && looks < 70 * 60, microphone.name);
+            QVERIFY2(misplaced <= microphone.misplaced, microphone.name);
         }
     }
 };
