@@ -7,7 +7,8 @@ namespace {
 
 constexpr qint64 kMs = 1'000'000;
 constexpr qint64 kShortestPeriod = 15 * kMs;
-constexpr qint64 kLongestPeriod = 100 * kMs; // two of them still come in time to be mixed
+constexpr qint64 kLongestPeriod = 100 * kMs;
+constexpr qint64 kMostAwaited = 200 * kMs; // still comes in time to be mixed
 constexpr qint64 kRetry = 5 * kMs;
 constexpr qint64 kPatience = 50 * kMs; // a server's cycle is 43 ms at most
 constexpr qint64 kPunctual = 5 * kMs;
@@ -18,10 +19,13 @@ constexpr qint64 kEarlier = 1000;
 } // namespace
 
 bool MicrophonePace::isTime(qint64 now) {
-    skipped = period > 0 && !skipped && now - next > kPunctual;
-    if (skipped)
-        skip(now);
-    return !skipped;
+    if (period == 0 || now - next <= kPunctual)
+        return true;
+    const qint64 periods = (now - expected) / period + 1;
+    if (awaited + periods * period > kMostAwaited)
+        return true;
+    skip(now);
+    return false;
 }
 
 void MicrophonePace::found(qint64 now, qint64 duration) {

@@ -12,8 +12,8 @@ public:
     explicit MicrophonePace(qint64 now) : next(now) {}
 
     qint64 nextLook() const { return next; }
-    // Whether to read at `now`. A look that comes late is left out once: the next one finds both
-    // blocks, at the right time.
+    // Whether to read at `now`. A look that comes late is left out if it may be: the next one finds
+    // both blocks, at the right time.
     bool isTime(qint64 now);
     // What was read at `now`; 0 for nothing.
     void found(qint64 now, qint64 duration);
@@ -25,7 +25,6 @@ private:
     qint64 expected = 0; // when the next block should be there
     qint64 period = 0;   // between two looks; 0 until a packet has told it
     qint64 awaited = 0;  // how much should be there then
-    bool skipped = false;
 };
 
 } // namespace qn
