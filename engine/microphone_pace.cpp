@@ -21,31 +21,27 @@ constexpr qint64 kEarlier = 1000;
 bool MicrophonePace::isTime(qint64 now) {
     if (period == 0 || now - next <= kPunctual)
         return true;
-    const qint64 periods = (now - expected) / period + 1;
-    if (awaited + periods * period > kMostAwaited)
+    const qint64 wait = ((now - expected) / period + 1) * period;
+    if (awaited + wait > kMostAwaited)
         return true;
-    skip(now);
+    awaited += wait;
+    expected += wait;
+    next = expected + period / kEarlier; // none of the packets may be missing then
     return false;
 }
 
 void MicrophonePace::found(qint64 now, qint64 duration) {
-    if (duration > 0 && duration >= awaited - kRetry) {
-        const qint64 packets = (kShortestPeriod + duration - 1) / duration;
-        period = awaited = std::min(packets * duration, kLongestPeriod);
-        next = expected = next + period - period / kEarlier;
-    } else if (duration == 0 && period > 0 && now - expected >= kPatience) {
-        skip(now);
-    } else {
+    // Packets that are smaller, late or in part lost may come in another rhythm from now on.
+    const bool isInRhythm = duration >= awaited - kRetry && now - expected <= kPatience;
+    if (duration == 0 || (period > 0 && !isInRhythm)) {
         next = now + kRetry;
-        if (duration > 0) // the packets are smaller now, or some were lost
+        if (duration > 0)
             period = awaited = 0;
+        return;
     }
-}
-
-void MicrophonePace::skip(qint64 now) {
-    for (; expected <= now; expected += period)
-        awaited += period;
-    next = expected + period / kEarlier; // none of the blocks may be missing then
+    const qint64 packets = (kShortestPeriod + duration - 1) / duration;
+    period = awaited = std::min(packets * duration, kLongestPeriod);
+    next = expected = next + period - period / kEarlier;
 }
 
 } // namespace qn

@@ -19,8 +19,6 @@ public:
     void found(qint64 now, qint64 duration);
 
 private:
-    void skip(qint64 now);
-
     qint64 next;
     qint64 expected = 0; // when the next block should be there
     qint64 period = 0;   // between two looks; 0 until a packet has told it

@@ -33,18 +33,20 @@ struct Microphone {
     }
 };
 
-const Microphone kMicrophones[]{{"quick server", 100, 10.67},
-                                {"slow server", 100, 42.67},
-                                {"small packets", 10},
-                                {"fast clock", 100, 1, 1.0005},
-                                {"slow clock", 100, 1, 0.9995},
-                                {"late packet", 100, 1, 1, 90},
-                                {"stalled thread", 100, 1, 1, 0, 60},
-                                {"stall over many packets", 64.0 / 3, 1, 1, 0, 40},
-                                {"busy machine", 100, 1, 1, 0, 8, 60'000},
-                                {"packets get smaller", 100, 1, 1, 0, 0, 0, 64.0 / 3},
-                                {"packets grow", 64.0 / 3, 1, 1, 0, 0, 0, 100},
-                                {"lost packets", 100, 1, 1, 0, 0, 0, 100, 70, 1}};
+const Microphone kMicrophones[]{
+    {.name = "quick server", .packetMs = 100, .cycleMs = 10.67},
+    {.name = "slow server", .packetMs = 100, .cycleMs = 42.67},
+    {.name = "small packets", .packetMs = 10},
+    {.name = "fast clock", .packetMs = 100, .speed = 1.0005},
+    {.name = "slow clock", .packetMs = 100, .speed = 0.9995},
+    {.name = "late packet", .packetMs = 100, .latePacketMs = 90, .misplaced = 1},
+    {.name = "lost packets", .packetMs = 100, .lostMs = 70},
+    {.name = "stalled thread", .packetMs = 100, .stallMs = 60},
+    {.name = "stall over many packets", .packetMs = 64.0 / 3, .stallMs = 40},
+    {.name = "busy machine", .packetMs = 100, .stallMs = 8, .stallEndMs = 60'000},
+    {.name = "packets get smaller", .packetMs = 100, .laterPacketMs = 64.0 / 3},
+    {.name = "packets grow", .packetMs = 64.0 / 3, .laterPacketMs = 100},
+};
 
 class MicrophonePaceTest : public QObject {
     Q_OBJECT
