@@ -1,5 +1,5 @@
 #include "capture/capture_backend.h"
-#include "engine/microphone_lookout.h"
+#include "engine/microphone_poller.h"
 #include "engine/microphone_samples.h"
 #include "engine/recorder_worker.h"
 
@@ -133,8 +133,8 @@ void RecorderWorker::startMicrophone() {
     }
     microphoneId = device.id();
     connect(microphoneDevice, &QIODevice::readyRead, this, &RecorderWorker::readMicrophone);
-#ifdef Q_OS_LINUX // elsewhere Qt says readyRead as the data arrive
-    microphoneLookout = new MicrophoneLookout(*microphoneDevice);
+#ifdef Q_OS_LINUX // elsewhere readyRead comes with the data
+    microphonePoller = new MicrophonePoller(*microphoneDevice);
 #endif
     announceMicrophone(device);
 }
@@ -163,8 +163,8 @@ void RecorderWorker::readMicrophone() {
         return;
     microphoneBuffer += microphoneDevice->readAll();
     const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
-    if (microphoneLookout)
-        microphoneLookout->found(
+    if (microphonePoller)
+        microphonePoller->found(
             durationNs(block.samples.size() / block.channels, block.sampleRate));
     if (!block.samples.isEmpty())
         push(TimelineMixer::kMicrophone, block);

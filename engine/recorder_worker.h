@@ -24,7 +24,7 @@ namespace qn {
 
 class CaptureBackend;
 class Encoder;
-class MicrophoneLookout;
+class MicrophonePoller;
 struct AudioBlock;
 struct Catalog;
 struct Selection;
@@ -99,7 +99,6 @@ private:
     std::unique_ptr<QAudioSource> microphone;
     std::unique_ptr<Encoder> encoder;
     QPointer<QIODevice> microphoneDevice; // the open microphone's, which may delete it on failure
-    QPointer<MicrophoneLookout> microphoneLookout; // the device's child; null where Qt needs none
     QAudioFormat microphoneFormat;
     QTimer* timer = nullptr;
     TimelineMixer mixer;
@@ -108,6 +107,7 @@ private:
     Clock::time_point lastRefresh;
     Clock::time_point lastProgress;
     bool finishing = false;
+    QPointer<MicrophonePoller> microphonePoller; // the device's child; null where Qt needs none
 };
 
 } // namespace qn

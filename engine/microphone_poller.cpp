@@ -1,4 +1,4 @@
-#include "engine/microphone_lookout.h"
+#include "engine/microphone_poller.h"
 
 #include "core/audio_block.h"
 
@@ -9,23 +9,23 @@
 
 namespace qn {
 
-MicrophoneLookout::MicrophoneLookout(QIODevice& microphone)
+MicrophonePoller::MicrophonePoller(QIODevice& microphone)
     : QObject(&microphone), device(microphone), pace(steadyNowNs()) {
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
-    timer.callOnTimeout(this, &MicrophoneLookout::look);
+    timer.callOnTimeout(this, &MicrophonePoller::poll);
     device.blockSignals(true);
     wait();
 }
 
-void MicrophoneLookout::found(qint64 duration) {
-    device.blockSignals(true);
+void MicrophonePoller::found(qint64 duration) {
+    device.blockSignals(true); // poll() let one signal through
     pace.found(steadyNowNs(), duration);
     wait();
 }
 
-void MicrophoneLookout::look() {
-    if (!pace.isTime(steadyNowNs())) {
+void MicrophonePoller::poll() {
+    if (!pace.shouldRead(steadyNowNs())) {
         wait();
         return;
     }
@@ -33,9 +33,9 @@ void MicrophoneLookout::look() {
     Q_EMIT device.readyRead(); // may end the recording, and with it this object
 }
 
-void MicrophoneLookout::wait() {
+void MicrophonePoller::wait() {
     using namespace std::chrono;
-    const nanoseconds left(std::max<qint64>(pace.nextLook() - steadyNowNs(), 0));
+    const nanoseconds left(std::max<qint64>(pace.nextPoll() - steadyNowNs(), 0));
     timer.start(ceil<milliseconds>(left));
 }
 
