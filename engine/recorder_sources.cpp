@@ -1,6 +1,6 @@
 #include "capture/capture_backend.h"
-#include "engine/microphone_poller.h"
 #include "engine/microphone_samples.h"
+#include "engine/paced_microphone.h"
 #include "engine/recorder_worker.h"
 
 #include <QAudioSource>
@@ -132,10 +132,10 @@ void RecorderWorker::startMicrophone() {
         return;
     }
     microphoneId = device.id();
-    connect(microphoneDevice, &QIODevice::readyRead, this, &RecorderWorker::readMicrophone);
 #ifdef Q_OS_LINUX // elsewhere readyRead comes with the data
-    microphonePoller = new MicrophonePoller(*microphoneDevice);
+    microphoneDevice = new PacedMicrophone(*microphoneDevice, microphoneFormat); // its child
 #endif
+    connect(microphoneDevice, &QIODevice::readyRead, this, &RecorderWorker::readMicrophone);
     announceMicrophone(device);
 }
 
@@ -163,9 +163,6 @@ void RecorderWorker::readMicrophone() {
         return;
     microphoneBuffer += microphoneDevice->readAll();
     const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
-    if (microphonePoller)
-        microphonePoller->found(
-            durationNs(block.samples.size() / block.channels, block.sampleRate));
     if (!block.samples.isEmpty())
         push(TimelineMixer::kMicrophone, block);
 }

@@ -24,7 +24,6 @@ namespace qn {
 
 class CaptureBackend;
 class Encoder;
-class MicrophonePoller;
 struct AudioBlock;
 struct Catalog;
 struct Selection;
@@ -107,7 +106,6 @@ private:
     Clock::time_point lastRefresh;
     Clock::time_point lastProgress;
     bool finishing = false;
-    QPointer<MicrophonePoller> microphonePoller; // the device's child; null where Qt needs none
 };
 
 } // namespace qn

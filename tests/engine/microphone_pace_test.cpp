@@ -43,16 +43,16 @@ const Microphone kMicrophones[]{
     {.name = "slow server", .packetMs = 100, .cycleMs = 42.67},
     {.name = "small packets", .packetMs = 10},
     {.name = "long packets", .packetMs = 128, .stallMs = 12},
-    {.name = "fast clock", .packetMs = 100, .speed = 1.0002, .jumps = 6},
-    {.name = "late packet", .packetMs = 100, .latePacketMs = 90, .jumps = 2},
+    {.name = "fast clock", .packetMs = 100, .speed = 1.0002, .jumps = 5},
+    {.name = "late packet", .packetMs = 100, .latePacketMs = 90},
     {.name = "lost packets", .packetMs = 100, .lostMs = 70, .jumps = 1},
     {.name = "late poll", .packetMs = 64, .stallMs = 12},
     {.name = "late poll of a slow server", .packetMs = 100, .cycleMs = 42.67, .stallMs = 12},
     {.name = "stalled thread", .packetMs = 100, .stallMs = 60},
     {.name = "stall over many packets", .packetMs = 64.0 / 3, .stallMs = 40},
-    {.name = "long stall", .packetMs = 100, .stallMs = 500, .jumps = 2},
+    {.name = "long stall", .packetMs = 100, .stallMs = 500},
     {.name = "busy machine", .packetMs = 100, .stallMs = 9, .stallEndMs = kEndMs},
-    {.name = "overload", .packetMs = 64, .stallMs = 30, .stallEndMs = kEndMs, .jumps = 3000},
+    {.name = "overload", .packetMs = 64, .stallMs = 30, .stallEndMs = kEndMs, .jumps = 800},
     {.name = "packets get smaller", .packetMs = 100, .laterPacketMs = 64.0 / 3},
 };
 
@@ -79,21 +79,17 @@ private Q_SLOTS:
             nowMs = std::max(nowMs, static_cast<double>(pace.nextPoll()) / 1e6);
             if (nowMs > 10'000 && nowMs <= microphone->stallEndMs)
                 nowMs += microphone->stallMs;
-            const auto now = static_cast<qint64>(nowMs * 1e6);
-            if (!pace.shouldRead(now))
-                continue;
             const double found = microphone->delivered(nowMs) - readMs;
-            pace.found(now, std::llround(found * 1e6));
-            readMs += found;
-            if (found < 0.001)
+            if (!pace.shouldRead(std::llround(nowMs * 1e6), std::llround(found * 1e6)))
                 continue;
+            readMs += found;
             const qint64 before = cursor.next;
             cursor.follow(std::llround((nowMs - found) * 48));
             jumps += before != -1 && std::abs(cursor.next - before) > 1;
             cursor.next += std::llround(found * 48);
             QVERIFY(found < 230 || microphone->stallMs > 200); // or it comes too late for the mix
             const double ageMs = nowMs - microphone->lostMs - readMs / microphone->speed;
-            QVERIFY(ageMs < 60 || nowMs < microphone->stallEndMs + 2000);
+            QVERIFY(ageMs < 50);
         }
         QVERIFY(readMs > kEndMs - 500);
         QVERIFY2(polls < 70 * kEndMs / 1000, qPrintable(QString::number(polls)));
