@@ -95,11 +95,14 @@ def main():
         ("sync pulseaudio", lambda: sync.in_step(build, "pulseaudio", seconds)),
         ("sync pipewire", lambda: sync.in_step(build, "pipewire", seconds)),
     ]
+    if words:
+        names = ", ".join(name for name, _ in groups)
+        groups = [group for group in groups if any(word in group[0] for word in words)]
+        if not groups:
+            sys.exit("no group's name holds such a word; there are: " + names)
     print(Row.heading(), flush=True)
     missed, failed = 0, []
     for name, rows in groups:
-        if words and not any(word in name for word in words):
-            continue
         try:
             for row in rows():
                 print(row, flush=True)
