@@ -13,7 +13,6 @@ constexpr qint64 kRetry = 5 * kMs;
 constexpr qint64 kPunctual = 10 * kMs;
 constexpr qint64 kBorne = 20 * kMs;    // what is later than this, the mixer moves on its timeline
 constexpr qint64 kTolerance = 5 * kMs; // of an amount: packets differ by some frames
-constexpr qint64 kPatience = 100 * kMs;
 // Readings come earlier by this part of a period, until one is in vain: follows a microphone whose
 // clock is fast.
 constexpr qint64 kEarlier = 1000;
@@ -40,7 +39,7 @@ bool MicrophonePace::shouldRead(qint64 now, qint64 waiting) {
         return true;
     }
     next = now + kRetry;
-    if (!isComplete && late <= kPatience)
+    if (!isComplete && late <= kLongestPeriod)
         return false;
     period = 0; // packets were lost, or come in another rhythm from now on
     return true;

@@ -46,6 +46,7 @@ const Microphone kMicrophones[]{
     {.name = "fast clock", .packetMs = 100, .speed = 1.0002, .jumps = 5},
     {.name = "late packet", .packetMs = 100, .latePacketMs = 90},
     {.name = "lost packets", .packetMs = 100, .lostMs = 70, .jumps = 1},
+    {.name = "longer loss", .packetMs = 100, .lostMs = 120, .jumps = 1},
     {.name = "late poll", .packetMs = 64, .stallMs = 12},
     {.name = "late poll of a slow server", .packetMs = 100, .cycleMs = 42.67, .stallMs = 12},
     {.name = "stalled thread", .packetMs = 100, .stallMs = 60},
