@@ -183,6 +183,8 @@ void Library::update(const Recording& r) {
 
 QList<Recording> Library::list(const QString& search, const QDate& date) const {
     readChanges();
+    if (search.isEmpty() && !date.isValid())
+        return known;
     QList<Recording> found;
     DayFilter filter(date);
     for (const Recording& recording : std::as_const(known)) {
@@ -207,7 +209,9 @@ void Library::readChanges() const {
 }
 
 void Library::readAll() const {
+    const qsizetype before = known.size();
     known.clear(); // now, so that the new rows find its memory
+    known.reserve(before);
     // As bytes, because Qt turns UTF-8 into its own text faster than SQLite does.
     QSqlQuery query =
         run(db, u"SELECT CAST(id AS BLOB),CAST(title AS BLOB),CAST(path AS BLOB),"
