@@ -34,7 +34,7 @@ bool MicrophonePace::shouldRead(qint64 now, qint64 waiting) {
     const qint64 late = now - dueAt;
     if (late > kPunctual && putOff(late, isComplete))
         return false;
-    if (isComplete && late <= kBorne) {
+    if (isComplete && late <= kBorne && dueAmount <= 2 * period) {
         expect();
         return true;
     }

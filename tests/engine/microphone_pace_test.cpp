@@ -18,7 +18,7 @@ struct Microphone {
     double latePacketMs = 0; // of the packet at 10 s
     double stallMs = 0;      // of the reading thread, from 10 s on
     double stallEndMs = 10'100;
-    double laterPacketMs = packetMs; // from 32 s on, a multiple of both
+    double laterPacketMs = packetMs; // from 32 s on
     double lostMs = 0;               // by the server, after 10 s
     int jumps = 0;                   // of the mixer's cursor that can't be helped
 
@@ -40,10 +40,12 @@ struct Microphone {
 };
 
 const Microphone kMicrophones[]{
+    {.name = "quick server", .packetMs = 100, .cycleMs = 10.67},
     {.name = "slow server", .packetMs = 100, .cycleMs = 42.67},
     {.name = "small packets", .packetMs = 10},
     {.name = "long packets", .packetMs = 128, .stallMs = 12},
     {.name = "fast clock", .packetMs = 100, .speed = 1.0002, .jumps = 5},
+    {.name = "slow clock", .packetMs = 100, .speed = 0.9998, .jumps = 5},
     {.name = "late packet", .packetMs = 100, .latePacketMs = 90},
     {.name = "lost packets", .packetMs = 100, .lostMs = 70, .jumps = 1},
     {.name = "longer loss", .packetMs = 100, .lostMs = 120, .jumps = 1},
@@ -55,6 +57,8 @@ const Microphone kMicrophones[]{
     {.name = "busy machine", .packetMs = 100, .stallMs = 9, .stallEndMs = kEndMs},
     {.name = "overload", .packetMs = 64, .stallMs = 30, .stallEndMs = kEndMs, .jumps = 800},
     {.name = "packets get smaller", .packetMs = 100, .laterPacketMs = 64.0 / 3},
+    {.name = "packets grow", .packetMs = 64.0 / 3, .laterPacketMs = 100},
+    {.name = "packets grow by a multiple", .packetMs = 32, .laterPacketMs = 96},
 };
 
 } // namespace
