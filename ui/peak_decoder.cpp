@@ -2,14 +2,12 @@
 
 #include "engine/input_url.h"
 #include "engine/tools.h"
+#include "ui/output_pipe.h"
 #include "ui/peak_accumulator.h"
 
 #include <QByteArray>
 #include <QProcess>
 #include <QThread>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -24,23 +22,9 @@ namespace {
 constexpr int kStartTimeoutMs = 5000;
 constexpr int kReadTimeoutMs = 100;
 constexpr int kKillTimeoutMs = 3000;
-constexpr qint64 kReadBytes = 65536;
+constexpr qint64 kReadBytes = 16384; // more would keep the tool from writing for longer
 constexpr qint64 kSampleBytes = sizeof(float);
 constexpr qsizetype kErrorTailBytes = 2000;
-
-// Woken for each of its packets, tool and reader spend more time on switching than on the samples.
-// With a wide pipe the reader may nap and then take a lot at once while the tool runs on.
-#ifdef F_SETPIPE_SZ
-constexpr unsigned long kNapMicroseconds = 500;
-
-void widenOutput(QProcess& process) {
-    process.setChildProcessModifier([] { fcntl(STDOUT_FILENO, F_SETPIPE_SZ, 1048576); });
-}
-#else
-constexpr unsigned long kNapMicroseconds = 0;
-
-void widenOutput(QProcess&) {}
-#endif
 
 QStringList decodeArguments(const QString& path) {
     return {u"-hide_banner"_s, u"-loglevel"_s, u"error"_s,     u"-nostdin"_s,
@@ -50,22 +34,25 @@ QStringList decodeArguments(const QString& path) {
             u"f32le"_s,        u"pipe:1"_s};
 }
 
-// Reads whole samples from the process; a partial one waits for its rest.
+// Reads whole samples from the pipe; a partial one waits for its rest.
 class SampleReader {
 public:
-    explicit SampleReader(QProcess& source) : process(source) {}
+    explicit SampleReader(OutputPipe& source) : output(source) {}
 
-    void readInto(PeakAccumulator& accumulator) {
+    // False when there is nothing to read at the moment.
+    bool readInto(PeakAccumulator& accumulator) {
         char* const bytes = reinterpret_cast<char*>(samples.data());
-        pending += std::max<qint64>(process.read(bytes + pending, kReadBytes), 0);
+        const qint64 added = output.read(bytes + pending, kReadBytes);
+        pending += added;
         const qint64 whole = pending / kSampleBytes;
         accumulator.add(samples.data(), whole);
         pending -= whole * kSampleBytes;
         std::copy_n(bytes + whole * kSampleBytes, pending, bytes);
+        return added > 0;
     }
 
 private:
-    QProcess& process;
+    OutputPipe& output;
     std::array<float, kReadBytes / kSampleBytes + 1> samples{};
     qint64 pending = 0; // bytes of the partial sample
 };
@@ -80,24 +67,23 @@ void keepErrorTail(QByteArray& tail, QProcess& process) {
 
 std::optional<DecodedPeaks> decodePeaks(const QString& path) {
     QProcess process;
-    widenOutput(process);
+    OutputPipe output(process);
     process.start(ffmpegPath(), decodeArguments(path));
     if (!process.waitForStarted(kStartTimeoutMs))
         return DecodedPeaks{{}, false, process.errorString()};
+    output.closeWriteEnd();
 
     PeakAccumulator accumulator;
-    SampleReader reader(process);
+    SampleReader reader(output);
     QByteArray errorTail;
     while (!QThread::currentThread()->isInterruptionRequested()) {
-        if (process.bytesAvailable() == 0) {
-            process.waitForReadyRead(kReadTimeoutMs);
-            if (process.bytesAvailable() == 0 && process.state() == QProcess::NotRunning)
-                break;
-        }
-        if (kNapMicroseconds > 0 && process.bytesAvailable() < kReadBytes)
-            QThread::usleep(kNapMicroseconds);
-        reader.readInto(accumulator);
+        if (reader.readInto(accumulator))
+            continue;
+        // The process takes in its error output and its end only while it is waited for.
+        process.waitForFinished(output.waitForMore(kReadTimeoutMs) ? 0 : kReadTimeoutMs);
         keepErrorTail(errorTail, process);
+        if (process.state() == QProcess::NotRunning && !reader.readInto(accumulator))
+            break;
     }
     if (QThread::currentThread()->isInterruptionRequested()) {
         process.kill();
