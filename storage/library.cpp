@@ -11,8 +11,11 @@
 #include <QUuid>
 #include <QVariant>
 
+#include <algorithm>
+#include <numeric>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace qn {
 
@@ -93,6 +96,15 @@ public:
 private:
     QHash<QByteArray, QJsonObject> objects;
 };
+
+// The rows' numbers by their start, whose ISO text sorts as the time does; equal ones as they come.
+std::vector<qsizetype> newestFirst(const QList<QByteArray>& starts) {
+    std::vector<qsizetype> rows(size_t(starts.size()));
+    std::iota(rows.begin(), rows.end(), 0);
+    std::stable_sort(rows.begin(), rows.end(),
+                     [&starts](qsizetype a, qsizetype b) { return starts[a] > starts[b]; });
+    return rows;
+}
 
 // Tells whether a recording started on the wanted day of its own zone; an invalid day wants all.
 class DayFilter {
@@ -209,15 +221,14 @@ void Library::readChanges() const {
 }
 
 void Library::readAll() const {
-    const qsizetype before = known.size();
     known.clear(); // now, so that the new rows find its memory
-    known.reserve(before);
-    // As bytes, because Qt turns UTF-8 into its own text faster than SQLite does.
+    // As bytes, because Qt turns UTF-8 into its own text faster than SQLite does. Sorted here,
+    // because SQLite would write every row out and read it in again for that.
     QSqlQuery query =
         run(db, u"SELECT CAST(id AS BLOB),CAST(title AS BLOB),CAST(path AS BLOB),"
                 u"CAST(format AS BLOB),CAST(timezone AS BLOB),CAST(started AS BLOB),"
                 u"CAST(ended AS BLOB),duration_ms,CAST(status AS BLOB),CAST(details AS BLOB) "
-                u"FROM recordings ORDER BY started DESC"_s);
+                u"FROM recordings ORDER BY rowid"_s);
     const auto text = [&query](int column) {
         return QString::fromUtf8(query.value(column).toByteArray());
     };
@@ -225,17 +236,24 @@ void Library::readAll() const {
     WordReader zones;
     WordReader statuses;
     DetailsReader details;
-    while (next(query))
-        known.append({.id = text(0),
-                      .title = text(1),
-                      .path = text(2),
-                      .format = formats.read(query.value(3).toByteArray()),
-                      .timezone = zones.read(query.value(4).toByteArray()),
-                      .status = statuses.read(query.value(8).toByteArray()),
-                      .started = fromIsoText(text(5)),
-                      .ended = fromIsoText(text(6)),
-                      .durationMs = query.value(7).toLongLong(),
-                      .details = details.read(query.value(9).toByteArray())});
+    QList<Recording> rows;
+    QList<QByteArray> starts;
+    while (next(query)) {
+        starts.append(query.value(5).toByteArray());
+        rows.append({.id = text(0),
+                     .title = text(1),
+                     .path = text(2),
+                     .format = formats.read(query.value(3).toByteArray()),
+                     .timezone = zones.read(query.value(4).toByteArray()),
+                     .status = statuses.read(query.value(8).toByteArray()),
+                     .started = fromIsoText(QString::fromUtf8(starts.last())),
+                     .ended = fromIsoText(text(6)),
+                     .durationMs = query.value(7).toLongLong(),
+                     .details = details.read(query.value(9).toByteArray())});
+    }
+    known.reserve(rows.size());
+    for (const qsizetype row : newestFirst(starts))
+        known.append(std::move(rows[row]));
 }
 
 void Library::rename(const QString& id, const QString& title) {
