@@ -1,5 +1,6 @@
 #include "tests/support/files.h"
 #include "ui/peak_accumulator.h"
+#include "ui/peak_decoder.h"
 #include "ui/waveform_timeline.h"
 
 #include <csignal>
@@ -33,6 +34,16 @@ private Q_SLOTS:
         const QList<float> peaks = full.finish();
         QVERIFY(peaks.size() == 50001 && peaks[1] == 3.0F / 200000 &&
                 peaks.last() == 100001.0F / 200000);
+    }
+
+    void aDecodeIsWhatTheToolWroteAndHowItEnded() {
+        useTool("head -c 800003 /dev/zero");
+        const std::optional<DecodedPeaks> whole = decodePeaks(u"any"_s);
+        useTool("head -c 1920 /dev/zero; exec >&-; sleep 0.3; echo late >&2; exit 1");
+        const std::optional<DecodedPeaks> failed = decodePeaks(u"any"_s);
+        qunsetenv("QUORLIN_FFMPEG");
+        QVERIFY(whole->ok && whole->peaks.size() == 417 && whole->errorText.isEmpty());
+        QVERIFY(!failed->ok && failed->peaks.size() == 1 && failed->errorText == "late\n"_L1);
     }
 
     void aFileIsDecodedAndDrawnAndSoughtOncePerClickOrDrag() {
