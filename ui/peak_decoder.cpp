@@ -2,12 +2,14 @@
 
 #include "engine/input_url.h"
 #include "engine/tools.h"
-#include "ui/output_pipe.h"
+#include "ui/child_pipe.h"
 #include "ui/peak_accumulator.h"
 
 #include <QByteArray>
 #include <QProcess>
 #include <QThread>
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -37,7 +39,7 @@ QStringList decodeArguments(const QString& path) {
 // Reads whole samples from the pipe; a partial one waits for its rest.
 class SampleReader {
 public:
-    explicit SampleReader(OutputPipe& source) : output(source) {}
+    explicit SampleReader(ChildPipe& source) : output(source) {}
 
     // False when there is nothing to read at the moment.
     bool readInto(PeakAccumulator& accumulator) {
@@ -52,37 +54,64 @@ public:
     }
 
 private:
-    OutputPipe& output;
+    ChildPipe& output;
     std::array<float, kReadBytes / kSampleBytes + 1> samples{};
     qint64 pending = 0; // bytes of the partial sample
 };
 
-void keepErrorTail(QByteArray& tail, QProcess& process) {
-    const QByteArray data = process.readAllStandardError();
-    if (!data.isEmpty())
-        tail = (tail + data).right(kErrorTailBytes);
+// The last of what the tool says about its troubles.
+class ErrorTail {
+public:
+    explicit ErrorTail(ChildPipe& source) : errors(source) {}
+
+    // False when there is nothing to read at the moment.
+    bool read() {
+        const qint64 added = errors.read(piece.data(), qint64(piece.size()));
+        tail = (tail + QByteArray(piece.data(), added)).right(kErrorTailBytes);
+        return added > 0;
+    }
+
+    QString text() const { return QString::fromUtf8(tail); }
+
+private:
+    ChildPipe& errors;
+    std::array<char, kReadBytes> piece{};
+    QByteArray tail;
+};
+
+void startTool(QProcess& process, const QString& path, ChildPipe& output, ChildPipe& errors) {
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.setChildProcessModifier([&] {
+        output.takeOver(STDOUT_FILENO);
+        errors.takeOver(STDERR_FILENO);
+    });
+    process.start(ffmpegPath(), decodeArguments(path));
 }
 
 } // namespace
 
 std::optional<DecodedPeaks> decodePeaks(const QString& path) {
+    ChildPipe output;
+    ChildPipe errors;
     QProcess process;
-    OutputPipe output(process);
-    process.start(ffmpegPath(), decodeArguments(path));
+    startTool(process, path, output, errors);
     if (!process.waitForStarted(kStartTimeoutMs))
         return DecodedPeaks{{}, false, process.errorString()};
     output.closeWriteEnd();
+    errors.closeWriteEnd();
 
     PeakAccumulator accumulator;
-    SampleReader reader(output);
-    QByteArray errorTail;
+    SampleReader samples(output);
+    ErrorTail errorTail(errors);
     while (!QThread::currentThread()->isInterruptionRequested()) {
-        if (reader.readInto(accumulator))
+        if (samples.readInto(accumulator))
             continue;
-        // The process takes in its error output and its end only while it is waited for.
-        process.waitForFinished(output.waitForMore(kReadTimeoutMs) ? 0 : kReadTimeoutMs);
-        keepErrorTail(errorTail, process);
-        if (process.state() == QProcess::NotRunning && !reader.readInto(accumulator))
+        ChildPipe::waitForAny({&output, &errors}, kReadTimeoutMs);
+        // Only a process that is waited for takes notice of its end.
+        process.waitForFinished(output.atEnd() && errors.atEnd() ? kReadTimeoutMs : 0);
+        const bool isOver = process.state() == QProcess::NotRunning;
+        if (!errorTail.read() && isOver && !samples.readInto(accumulator))
             break;
     }
     if (QThread::currentThread()->isInterruptionRequested()) {
@@ -90,11 +119,10 @@ std::optional<DecodedPeaks> decodePeaks(const QString& path) {
         process.waitForFinished(kKillTimeoutMs);
         return std::nullopt;
     }
-    keepErrorTail(errorTail, process);
     QList<float> peaks = accumulator.finish();
     const bool ok =
         process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0 && !peaks.isEmpty();
-    return DecodedPeaks{std::move(peaks), ok, QString::fromUtf8(errorTail)};
+    return DecodedPeaks{std::move(peaks), ok, errorTail.text()};
 }
 
 } // namespace qn

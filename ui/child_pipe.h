@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <initializer_list>
+
+namespace qn {
+
+// A pipe from a child process, for a channel that carries hundreds of megabytes, or without end.
+// QProcess takes all that waits in one read, and the child, which needs the pipe's lock to write
+// on, spins for as long; and while it waits it gathers without a limit. Belongs to one thread.
+class ChildPipe {
+public:
+    ChildPipe(); // for want of descriptors one through which nothing comes
+    ~ChildPipe();
+    ChildPipe(const ChildPipe&) = delete;
+    ChildPipe& operator=(const ChildPipe&) = delete;
+
+    // In the child, between fork and exec: makes the pipe its standard output or error.
+    void takeOver(int descriptor) const;
+
+    // In the parent, once the child runs: the pipe ends with its last writer.
+    void closeWriteEnd();
+
+    // Up to most bytes, without waiting; 0 when there are none at the moment or any more.
+    qint64 read(char* bytes, qint64 most);
+
+    // Whether the last read found the pipe empty and without writers.
+    bool atEnd() const { return ended; }
+
+    // Blocks until one of these has bytes or comes to its end, or the time is over. At once when
+    // all are at their end.
+    static void waitForAny(std::initializer_list<const ChildPipe*> pipes, int timeoutMs);
+
+private:
+    int readEnd = -1;
+    int writeEnd = -1;
+    bool ended = false;
+};
+
+} // namespace qn
