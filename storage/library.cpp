@@ -162,7 +162,6 @@ void Library::open(const QString& path) {
         u"CREATE TABLE IF NOT EXISTS events (recording_id TEXT NOT NULL REFERENCES recordings(id) "
         u"ON DELETE CASCADE,at TEXT NOT NULL,kind TEXT NOT NULL,details TEXT NOT NULL)"_s,
         u"PRAGMA user_version=1"_s,
-        u"PRAGMA temp_store=MEMORY"_s, // sorting must not need a disk that may be full
     };
     for (const QString& statement : statements)
         run(db, statement);
@@ -221,7 +220,6 @@ void Library::readChanges() const {
 }
 
 void Library::readAll() const {
-    known.clear(); // now, so that the new rows find its memory
     // As bytes, because Qt turns UTF-8 into its own text faster than SQLite does. Sorted here,
     // because SQLite would write every row out and read it in again for that.
     QSqlQuery query =
@@ -251,6 +249,7 @@ void Library::readAll() const {
                      .durationMs = query.value(7).toLongLong(),
                      .details = details.read(query.value(9).toByteArray())});
     }
+    known.clear();
     known.reserve(rows.size());
     for (const qsizetype row : newestFirst(starts))
         known.append(std::move(rows[row]));
