@@ -9,6 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 kUnixEpochJulianDay = 2'440'588;
+constexpr qsizetype kLongestZoneId = 64; // the longest there is has 32 letters
 
 // The decimal number in [from, from + length), or -1 when it holds anything but ASCII digits.
 int number(QStringView text, qsizetype from, qsizetype length) {
@@ -59,8 +60,9 @@ QDateTime fromIsoText(const QString& text) {
 }
 
 QTimeZone recordingZone(const QString& timezone) {
-    // Qt opens the id as a path below the zone folder: a row must not lead it out of there.
-    if (!timezone.contains(".."_L1)) {
+    // Qt opens the id as a path below the zone folder: a row must not lead it out of there. And it
+    // takes an endless word for a zone of that name.
+    if (!timezone.contains(".."_L1) && timezone.size() <= kLongestZoneId) {
         const QTimeZone zone(timezone.toUtf8());
         if (zone.isValid())
             return zone;
