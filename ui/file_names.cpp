@@ -9,6 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// File systems take 255; the file that is written first has a suffix of 7 more than the target.
+constexpr qsizetype kMostNameBytes = 248;
+
 // A row's format becomes part of a name: only the known ones may.
 QString extensionOf(const Recording& recording) {
     return toText(audioFormatFromText(recording.format));
@@ -35,8 +38,12 @@ AudioFormat formatOfFilter(const QString& filter) {
 
 QString exportFileName(const Recording& recording) {
     const QDateTime started = recording.started.toTimeZone(recordingZone(recording.timezone));
-    return safeFileName(recording.title) + u'_' + started.toString(u"yyyy-MM-dd_HH-mm"_s) + u'.' +
-           extensionOf(recording);
+    const QString end =
+        u'_' + started.toString(u"yyyy-MM-dd_HH-mm"_s) + u'.' + extensionOf(recording);
+    QString title = safeFileName(recording.title);
+    while (title.toUtf8().size() + end.size() > kMostNameBytes)
+        title.chop(title.back().isLowSurrogate() ? 2 : 1);
+    return title + end;
 }
 
 QString withExtension(const QString& path, AudioFormat format) {

@@ -59,6 +59,8 @@ private Q_SLOTS:
         const QDateTime started({2025, 3, 14}, {20, 5}, Qt::UTC);
         Recording recording{{}, u"a/b:c"_s, {}, u"mp3"_s, u"Asia/Tokyo"_s, {}, started, {}, 0, {}};
         QCOMPARE(exportFileName(recording), u"a_b_c_2025-03-15_05-05.mp3"_s);
+        recording.title = QString(120, u'Ж');
+        QCOMPARE(exportFileName(recording).toUtf8().size(), 247);
         for (const auto& [path, repaired] :
              {std::pair(u"/x/call.mp3.part"_s, u"/x/call.mp3"_s),
               {u"/x/call.mp3"_s, u"/x/call.mp3.recovered.mp3"_s},
