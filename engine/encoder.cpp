@@ -65,6 +65,7 @@ bool Encoder::start(const QString& path, AudioFormat format, const QDateTime& st
         return false;
     }
     process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.setStandardOutputFile(QProcess::nullDevice()); // else it would be gathered unread
     connect(&process, &QProcess::readyReadStandardError, this, &Encoder::collectErrors);
     connect(&process, &QProcess::finished, this, [this](int exitCode) {
         if (!finishing)

@@ -52,7 +52,9 @@ QStringList transcodeArguments(const Recording& recording, AudioFormat format,
 
 } // namespace
 
-ExportJob::ExportJob(QObject* parent) : QObject(parent) {}
+ExportJob::ExportJob(QObject* parent) : QObject(parent) {
+    process.setStandardOutputFile(QProcess::nullDevice()); // else it would be gathered unread
+}
 
 // A killed process still reports its end, and until it is gone it may create the temporary file
 // anew: so it is silenced first and gone before the files are removed.
