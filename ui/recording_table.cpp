@@ -32,8 +32,9 @@ public:
         : table(owner), cellRow(atRow), cellColumn(atColumn) {}
 
     QVariant data(int role) const override {
-        return role == Qt::DisplayRole ? QVariant(table.cellText(cellRow, cellColumn))
-                                       : QTableWidgetItem::data(role);
+        return role == Qt::DisplayRole || role == Qt::EditRole
+                   ? QVariant(table.cellText(cellRow, cellColumn))
+                   : QTableWidgetItem::data(role);
     }
 
 private:
@@ -123,6 +124,12 @@ void RecordingTable::keepSelected(const QString& id) {
     const auto kept = std::find_if(rows.cbegin(), rows.cend(),
                                    [&](const Recording& recording) { return recording.id == id; });
     selectRow(kept == rows.cend() ? 0 : static_cast<int>(kept - rows.cbegin()));
+}
+
+void RecordingTable::selectNeighbour() {
+    const QSignalBlocker blocker(this);
+    const int row = currentRow();
+    selectRow(row + 1 < rowCount() ? row + 1 : row - 1);
 }
 
 const Recording* RecordingTable::selected() const {

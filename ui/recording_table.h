@@ -19,6 +19,10 @@ public:
     // nothing: the caller looks at the selection afterwards.
     void setRows(const QList<Recording>& recordings);
 
+    // Selects the row behind the current one, else the one before it, for a row that is to go.
+    // Emits nothing.
+    void selectNeighbour();
+
     // Of the current row; null without one. Valid until the next setRows.
     const Recording* selected() const;
 

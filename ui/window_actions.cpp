@@ -136,6 +136,7 @@ void Window::deleteSelected() {
     if (!tryLibrary([&] { library->remove(recording.id); }))
         return;
     writer->forget(recording.id);
+    table->selectNeighbour();
     refreshLibrary();
 }
 

@@ -28,6 +28,10 @@ private Q_SLOTS:
         QCOMPARE(table.selected()->id, u"b"_s);
         table.setRows({recording(u"x"_s), recording(u"c"_s)});
         QCOMPARE(table.selected()->id, u"x"_s);
+        table.selectNeighbour();
+        QCOMPARE(table.selected()->id, u"c"_s);
+        table.selectNeighbour();
+        QCOMPARE(table.selected()->id, u"x"_s);
         table.setRows({});
         QVERIFY(!table.selected() && table.rowCount() == 0 && selections.size() == 1);
 
