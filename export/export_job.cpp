@@ -85,6 +85,7 @@ void ExportJob::start(const Recording& recording, const QString& target, AudioFo
     running = true;
     cancelled = false;
     durationMs = recording.durationMs;
+    transcodedMs = 0;
     lineBuffer.clear();
     errorTail.clear();
     if (recording.format == toText(format) && recording.status == "ready"_L1)
@@ -141,11 +142,14 @@ void ExportJob::readProgress() {
 
 void ExportJob::reportProgress(const QByteArray& line) {
     static constexpr QByteArrayView kKey = "out_time_us=";
-    if (!line.startsWith(kKey) || durationMs < 1)
+    if (!line.startsWith(kKey))
         return;
     // Before its first packet ffmpeg may state the least number there is.
     const qint64 microseconds =
         std::clamp(line.mid(kKey.size()).toLongLong(), -kMostMicroseconds, kMostMicroseconds);
+    transcodedMs = microseconds / 1000;
+    if (durationMs < 1)
+        return;
     const qint64 percent =
         microseconds * kTranscodePercent / (std::min(durationMs, kMostMicroseconds / 1000) * 1000);
     constexpr qint64 kLeast = std::numeric_limits<int>::min();

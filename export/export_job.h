@@ -35,6 +35,9 @@ public:
 
     bool isRunning() const { return running; }
 
+    // How much audio the last transcode has written; 0 when it was a copy.
+    qint64 transcodedLength() const { return transcodedMs; }
+
 Q_SIGNALS:
     void progress(int percent);
 
@@ -63,6 +66,7 @@ private:
     bool running = false;
     bool cancelled = false;
     qint64 durationMs = 0;
+    qint64 transcodedMs = 0;
     QByteArray errorTail; // the last of standard error, for the message
 };
 

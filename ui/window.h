@@ -101,10 +101,12 @@ private:
     void loadPlayer(const QUrl& url);
     void togglePlayback();
     void showPosition(qint64 positionMs);
+    void showDuration(qint64 durationMs);
 
     void exportFinished(bool success, const QString& message);
-    void completeRecovery();
+    QString completeRecovery();
     bool confirm(const QString& title, const QString& question);
+    void requestClose();
     bool deferCloseToRecording();
     bool mayCancelExport();
 

@@ -1,7 +1,9 @@
+#include "core/text.h"
 #include "ui/action_bar.h"
 #include "ui/export_bar.h"
 #include "ui/file_names.h"
 #include "ui/library_writer.h"
+#include "ui/recording_table.h"
 #include "ui/window.h"
 
 #include <QApplication>
@@ -13,9 +15,12 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 namespace qn {
@@ -25,11 +30,28 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int kResultShownMs = 10000;
 constexpr qsizetype kLongestAskedTitle = 200;
+constexpr qsizetype kMostShownLines = 15;
+constexpr qint64 kUnnoticedLossMs = 2000; // between the last progress and the end of the program
+
+// A tool's last words may be higher than the screen. Of those the box shows the last lines without
+// the progress among them, because the reason stands there.
+QString fitting(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    if (lines.size() <= kMostShownLines)
+        return text;
+    const QString first = lines.takeFirst();
+    static const QRegularExpression progress(u"^\\w+=\\s*\\S*$"_s);
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [](const QString& line) { return progress.match(line).hasMatch(); }),
+                lines.end());
+    return first + u"\n…\n"_s +
+           lines.mid(std::max<qsizetype>(lines.size() - kMostShownLines, 0)).join(u'\n');
+}
 
 // Titles and tools' messages come from outside: nothing of them is taken for markup.
 QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, const QString& title,
                                     const QString& text, QMessageBox::StandardButtons buttons) {
-    QMessageBox box(icon, title, text, buttons, parent);
+    QMessageBox box(icon, title, fitting(text), buttons, parent);
     box.setTextFormat(Qt::PlainText);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
@@ -90,21 +112,29 @@ void Window::recoverSelected() {
 
 void Window::exportFinished(bool success, const QString& message) {
     exportBar->end();
+    QString problem = success ? QString() : message;
     if (std::exchange(recovering, false) && success)
-        completeRecovery();
+        problem = completeRecovery();
     refreshLibrary();
     selectionChanged();
     statusBar()->showMessage(message, kResultShownMs);
-    if (!success)
-        showError(message);
+    if (!problem.isEmpty())
+        showError(problem);
 }
 
-void Window::completeRecovery() {
+// Returns what the user has to know of it; empty when all went well.
+QString Window::completeRecovery() {
     const QString partial = std::exchange(exportSubject.path, recoveryTarget);
     exportSubject.status = u"ready"_s;
     writer->update(exportSubject);
     writer->addEvent(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
+    // The tool takes a damaged stretch for the end and calls that a success.
+    if (exportJob.transcodedLength() + kUnnoticedLossMs < exportSubject.durationMs)
+        return u"Восстановлено %1 из %2. Исходный файл сохранён:\n%3"_s.arg(
+            formatDuration(exportJob.transcodedLength()), formatDuration(exportSubject.durationMs),
+            partial);
     writer->removeFile(partial);
+    return {};
 }
 
 void Window::renameSelected() {
