@@ -6,6 +6,7 @@
 #include <QDateEdit>
 #include <QLabel>
 #include <QLineEdit>
+#include <QToolButton>
 
 namespace qn {
 
@@ -21,6 +22,7 @@ FilterBar::FilterBar(QWidget* parent)
     search->setPlaceholderText(u"Поиск по названию"_s);
     search->setAccessibleName(u"Поиск по названию"_s);
     search->setClearButtonEnabled(true);
+    search->findChild<QToolButton*>()->setAccessibleName(u"Очистить поиск"_s);
     dateField->setCalendarPopup(true);
     dateField->setEnabled(false);
     dateField->setAccessibleName(u"Дата созвона"_s);

@@ -1,6 +1,8 @@
 #include "ui/shortcuts.h"
 
 #include <QAbstractButton>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QShortcut>
 
 namespace qn {
@@ -24,6 +26,20 @@ QShortcut* bind(QWidget* widget, const Keys& keys, Qt::ShortcutContext context,
     return shortcut;
 }
 
+// Keeps a widget from claiming a key before the shortcuts get it.
+class KeyYielder : public QObject {
+public:
+    KeyYielder(QObject* parent, const QKeySequence& yielded) : QObject(parent), key(yielded) {}
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        return event->type() == QEvent::ShortcutOverride &&
+               QKeySequence(static_cast<QKeyEvent*>(event)->keyCombination()) == key;
+    }
+
+private:
+    QKeySequence key;
+};
+
 } // namespace
 
 QShortcut* bindShortcut(QWidget* window, const Keys& keys, QAbstractButton* button) {
@@ -37,6 +53,10 @@ QShortcut* bindShortcut(QWidget* window, const Keys& keys, const std::function<v
 QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
                              const std::function<void()>& action) {
     return bind(widget, keys, Qt::WidgetShortcut, action);
+}
+
+void yieldKey(QLineEdit* field, const QKeySequence& key) {
+    field->installEventFilter(new KeyYielder(field, key));
 }
 
 Keys findKeys() {

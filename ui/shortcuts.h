@@ -6,6 +6,7 @@
 #include <functional>
 
 class QAbstractButton;
+class QLineEdit;
 class QShortcut;
 class QWidget;
 
@@ -23,6 +24,9 @@ QShortcut* bindShortcut(QWidget* window, const Keys& keys, const std::function<v
 // Only while that widget has the focus, never while the user types elsewhere.
 QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
                              const std::function<void()>& action);
+
+// Leaves a key to the window's shortcut that the field would take for moving its cursor.
+void yieldKey(QLineEdit* field, const QKeySequence& key);
 
 // The platform's own keys, with a usual one where it has none.
 Keys findKeys();

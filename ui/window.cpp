@@ -21,6 +21,7 @@
 #include <QEvent>
 #include <QIcon>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMediaDevices>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -181,15 +182,22 @@ void Window::connectControls() {
 }
 
 void Window::bindShortcuts() {
-    bindShortcut(this, {u"Ctrl+R"_s}, recordingPanel->recordButton);
-    bindShortcut(this, {u"Ctrl+P"_s}, recordingPanel->pauseButton);
-    bindShortcut(this, {u"Ctrl+."_s}, recordingPanel->stopButton);
-    bindShortcut(this, {u"Ctrl+E"_s}, actionBar->exportButton);
+    QShortcut* const everywhere[] = {
+        bindShortcut(this, {u"Ctrl+R"_s}, recordingPanel->recordButton),
+        bindShortcut(this, {u"Ctrl+P"_s}, recordingPanel->pauseButton),
+        bindShortcut(this, {u"Ctrl+."_s}, recordingPanel->stopButton),
+        bindShortcut(this, quitKeys(), [this] { requestClose(); }),
+    };
+    for (QShortcut* shortcut : everywhere)
+        shortcut->setContext(Qt::ApplicationShortcut); // in the settings too
+    const QKeySequence exportKey(u"Ctrl+E"_s);
+    bindShortcut(this, {exportKey}, actionBar->exportButton);
+    for (QLineEdit* field : findChildren<QLineEdit*>())
+        yieldKey(field, exportKey); // on X11 it would move the cursor to the end
     bindShortcut(this, {u"F2"_s}, actionBar->renameButton);
     bindShortcut(this, {u"Ctrl+Left"_s}, playbackPanel->backButton)->setAutoRepeat(true);
     bindShortcut(this, {u"Ctrl+Right"_s}, playbackPanel->forwardButton)->setAutoRepeat(true);
     bindShortcut(this, findKeys(), [this] { filterBar->focusSearch(); });
-    bindShortcut(this, quitKeys(), [this] { close(); });
     bindLocalShortcut(table, deleteKeys(), [this] { deleteSelected(); });
     bindLocalShortcut(table, {Qt::Key_Space}, [this] { togglePlayback(); });
     bindLocalShortcut(waveform, {Qt::Key_Space}, [this] { togglePlayback(); });

@@ -185,7 +185,7 @@ void Window::saveAndClose() {
 
 // True while the close has to wait: recordingFinished then closes the window.
 bool Window::deferCloseToRecording() {
-    if (closePending)
+    if (closing || (closePending && state == State::Finalizing))
         return true;
     if (!confirm(u"Запись продолжается"_s,
                  u"Остановить запись, сохранить файл и закрыть приложение?"_s))
@@ -201,6 +201,16 @@ bool Window::deferCloseToRecording() {
 bool Window::mayCancelExport() {
     return closing ||
            confirm(u"Экспорт продолжается"_s, u"Отменить экспорт и закрыть приложение?"_s);
+}
+
+// As the window manager asks for it. While the question that answers close() is shown, Qt would let
+// through another request to close, and end the program unanswered.
+void Window::requestClose() {
+    QCloseEvent event;
+    if (windowHandle())
+        QCoreApplication::sendEvent(windowHandle(), &event);
+    else
+        close();
 }
 
 void Window::closeEvent(QCloseEvent* event) {

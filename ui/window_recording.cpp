@@ -159,7 +159,7 @@ void Window::recordingFinished(const QString& path, qint64 durationMs, const QSt
     if (!error.isEmpty())
         showError(error);
     if (closePending)
-        close();
+        requestClose();
 }
 
 } // namespace qn

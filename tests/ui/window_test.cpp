@@ -1,5 +1,6 @@
 #include "tests/support/database.h"
 #include "tests/support/fake_backend.h"
+#include "tests/support/files.h"
 #include "ui/microphone_permission.h"
 #include "ui/window.h"
 
@@ -230,6 +231,43 @@ private Q_SLOTS:
             QCOMPARE(status(), u"ready"_s);
             QVERIFY(QFile::exists(path()));
         }
+    }
+
+    void aRefusedExportQuestionLeavesTheNextClosingAsItWas() {
+        open();
+        record(100);
+        stop();
+        sql(u"UPDATE recordings SET status='failed'"_s);
+        open();
+        useTool(R"(case "$*" in *-progress*) sleep 60;; *) exec ffmpeg "$@";; esac)");
+        button(u"Восстановить"_s)->click();
+        for (int closing = 0; closing < 2; ++closing) {
+            record(100);
+            answers = {press(QMessageBox::Yes,
+                             u"Остановить запись, сохранить файл и закрыть приложение?"_s),
+                       press(QMessageBox::No, u"Отменить экспорт и закрыть приложение?"_s)};
+            window->close();
+            QTRY_VERIFY(answers.isEmpty() && recordButton()->isEnabled());
+            QVERIFY(window->isVisible());
+        }
+        window.reset();
+        qunsetenv("QUORLIN_FFMPEG");
+    }
+
+    void aRepairThatFallsShortKeepsTheInterruptedFile() {
+        open();
+        record(100);
+        stop();
+        sql(u"UPDATE recordings SET status='failed',duration_ms=60000"_s);
+        open();
+        const QString interrupted = path();
+        answers = {[&](QDialog* dialog) {
+            QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().endsWith(interrupted));
+            dialog->accept();
+        }};
+        button(u"Восстановить"_s)->click();
+        QTRY_COMPARE(status(), u"ready"_s);
+        QVERIFY(QFile::exists(interrupted) && QFile::exists(path()) && path() != interrupted);
     }
 
     void anInterruptedRecordingIsRepairedExportedRenamedAndDeleted() {
