@@ -29,12 +29,7 @@ int sliderValue(qint64 ms) {
 void Window::connectPlayer() {
     player.setAudioOutput(&audioOutput);
     connect(&player, &QMediaPlayer::positionChanged, this, &Window::showPosition);
-    connect(&player, &QMediaPlayer::durationChanged, this, [this](qint64 duration) {
-        const QSignalBlocker blocker(waveform);
-        waveform->setMaximum(sliderValue(duration));
-        playbackPanel->showPosition(player.position(), duration);
-        updatePlaybackControls();
-    });
+    connect(&player, &QMediaPlayer::durationChanged, this, &Window::showDuration);
     connect(&player, &QMediaPlayer::playbackStateChanged, this, &Window::updatePlaybackControls);
     connect(&player, &QMediaPlayer::mediaStatusChanged, this, &Window::updatePlaybackControls);
     connect(&player, &QMediaPlayer::seekableChanged, this, &Window::updatePlaybackControls);
@@ -71,6 +66,7 @@ void Window::setPlayerSource(const QString& path) {
 // 32 KiB for each file that it is handed as a device instead.
 void Window::loadPlayer(const QUrl& url) {
     player.setSource({});
+    showDuration(0); // the back end is silent about it, and a file that isn't audio brings no other
     playedFile.close();
     const QString path = url.toLocalFile();
     if (path.isEmpty())
@@ -89,6 +85,13 @@ void Window::showPosition(qint64 positionMs) {
     const QSignalBlocker blocker(waveform);
     waveform->setValue(sliderValue(positionMs));
     playbackPanel->showPosition(positionMs, player.duration());
+}
+
+void Window::showDuration(qint64 durationMs) {
+    const QSignalBlocker blocker(waveform);
+    waveform->setMaximum(sliderValue(durationMs));
+    playbackPanel->showPosition(player.position(), durationMs);
+    updatePlaybackControls();
 }
 
 void Window::playSelected() {
