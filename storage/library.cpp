@@ -220,6 +220,7 @@ void Library::readChanges() const {
 }
 
 void Library::readAll() const {
+    known.clear(); // now, so that the new rows find its memory
     // As bytes, because Qt turns UTF-8 into its own text faster than SQLite does. Sorted here,
     // because SQLite would write every row out and read it in again for that.
     QSqlQuery query =
@@ -249,7 +250,6 @@ void Library::readAll() const {
                      .durationMs = query.value(7).toLongLong(),
                      .details = details.read(query.value(9).toByteArray())});
     }
-    known.clear();
     known.reserve(rows.size());
     for (const qsizetype row : newestFirst(starts))
         known.append(std::move(rows[row]));
