@@ -12,6 +12,8 @@
 
 namespace qn {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Woken for each of its packets, child and reader spend more time on switching than on the bytes.
@@ -54,8 +56,8 @@ ChildPipe::~ChildPipe() {
         ::close(readEnd);
 }
 
-void ChildPipe::takeOver(int descriptor) const {
-    ::dup2(writeEnd, descriptor);
+QString ChildPipe::writePath() const {
+    return u"/dev/fd/"_s + QString::number(writeEnd);
 }
 
 void ChildPipe::closeWriteEnd() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 #include <initializer_list>
 
@@ -16,8 +16,9 @@ public:
     ChildPipe(const ChildPipe&) = delete;
     ChildPipe& operator=(const ChildPipe&) = delete;
 
-    // In the child, between fork and exec: makes the pipe its standard output or error.
-    void takeOver(int descriptor) const;
+    // What QProcess redirects a channel to. A modifier of the child would do as well, but has
+    // QProcess fork, which copies this process's page tables, instead of vfork.
+    QString writePath() const;
 
     // In the parent, once the child runs: the pipe ends with its last writer.
     void closeWriteEnd();

@@ -9,8 +9,6 @@
 #include <QProcess>
 #include <QThread>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -80,12 +78,8 @@ private:
 };
 
 void startTool(QProcess& process, const QString& path, ChildPipe& output, ChildPipe& errors) {
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
-    process.setChildProcessModifier([&] {
-        output.takeOver(STDOUT_FILENO);
-        errors.takeOver(STDERR_FILENO);
-    });
+    process.setStandardOutputFile(output.writePath());
+    process.setStandardErrorFile(errors.writePath());
     process.start(ffmpegPath(), decodeArguments(path));
 }
 
