@@ -87,13 +87,13 @@ SelectionFacts Window::selectionFacts() const {
 void Window::selectionChanged() {
     if (closing)
         return;
+    showDetails();
     const SelectionFacts facts = selectionFacts();
     const QString path = isPlayable(facts) ? selected()->path : QString();
     setPlayerSource(mayPlay(facts) ? path : QString());
     waveform->setAudioFile(path);
     updatePlaybackControls();
     actionBar->apply(actionRules(facts));
-    showDetails();
 }
 
 void Window::showDetails() {
@@ -105,6 +105,7 @@ void Window::showDetails() {
     QJsonArray events;
     tryLibraryQuietly([&] { events = library->events(recording->id); });
     details->setPlainText(detailsText(*recording, events));
+    details->viewport()->repaint(); // while the player opens the file, nothing is painted
 }
 
 void Window::openFolder() {
