@@ -3,7 +3,7 @@
 
 #include "benchmarks/sample_library.h"
 #include "benchmarks/side_by_side.h"
-#include "ui/recording_table.h"
+#include "ui/library/recording_table.h"
 
 #include <QApplication>
 #include <QHeaderView>

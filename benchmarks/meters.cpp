@@ -1,7 +1,7 @@
 // Two level meters at 50 updates a second beside two bars that paint themselves as two fills.
 // meters_benchmark SECONDS prints processor seconds per minute: of the meters, then of the bars.
 
-#include "ui/level_meter.h"
+#include "ui/recording/level_meter.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -2,8 +2,8 @@
 // against one pen per column. Usage: waveform_benchmark [minutes of audio, default 20]
 #include "benchmarks/sample_recordings.h"
 #include "benchmarks/side_by_side.h"
-#include "ui/peak_decoder.h"
-#include "ui/waveform_timeline.h"
+#include "ui/playback/peak_decoder.h"
+#include "ui/playback/waveform_timeline.h"
 
 #include <QApplication>
 #include <QEventLoop>

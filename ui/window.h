@@ -6,8 +6,8 @@
 #include "core/state.h"
 #include "export/export_job.h"
 #include "storage/library.h"
-#include "ui/control_rules.h"
-#include "ui/played_file.h"
+#include "ui/common/control_rules.h"
+#include "ui/playback/played_file.h"
 
 #include <QAudioOutput>
 #include <QList>

@@ -1,8 +1,8 @@
 #include "tests/support/files.h"
-#include "ui/control_rules.h"
-#include "ui/file_names.h"
-#include "ui/played_file.h"
-#include "ui/source_items.h"
+#include "ui/common/control_rules.h"
+#include "ui/library/file_names.h"
+#include "ui/playback/played_file.h"
+#include "ui/settings/source_items.h"
 
 using namespace qn;
 using namespace qn::testing;

@@ -1,7 +1,7 @@
 #include "tests/support/database.h"
 #include "tests/support/fake_backend.h"
 #include "tests/support/files.h"
-#include "ui/microphone_permission.h"
+#include "ui/recording/microphone_permission.h"
 #include "ui/window.h"
 
 #include <QTest>

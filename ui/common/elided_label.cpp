@@ -1,0 +1,33 @@
+#include "ui/common/elided_label.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace qn {
+
+QSize ElidedLabel::minimumSizeHint() const {
+    return {0, QLabel::minimumSizeHint().height()};
+}
+
+QString ElidedLabel::line() const {
+    return text().simplified();
+}
+
+QString ElidedLabel::shownLine() const {
+    return fontMetrics().elidedText(line(), Qt::ElideRight, width());
+}
+
+bool ElidedLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QLabel::event(event);
+    const QString tip = shownLine() == line() ? QString() : line().toHtmlEscaped();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this); // empty: hides it
+    return true;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*) {
+    QPainter(this).drawText(rect(), static_cast<int>(alignment()), shownLine());
+}
+
+} // namespace qn

@@ -1,0 +1,102 @@
+#include "ui/library/library_writer.h"
+
+#include "storage/library.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <utility>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+constexpr auto kRetryInterval = 1s;
+// A locked library holds every try, and with it the window, for seconds: it gets twice as long
+// between the tries.
+constexpr int kRestPerTry = 2;
+} // namespace
+
+LibraryWriter::LibraryWriter(Library& target) : library(target) {
+    retry.setSingleShot(true);
+    connect(&retry, &QTimer::timeout, this, &LibraryWriter::flush);
+}
+
+void LibraryWriter::update(const Recording& recording) {
+    if (recording.id.isEmpty())
+        return;
+    rows.insert(recording.id, recording);
+    if (!retry.isActive())
+        flush();
+}
+
+void LibraryWriter::addEvent(const QString& recordingId, const QString& kind,
+                             const QJsonObject& details) {
+    if (recordingId.isEmpty())
+        return;
+    events.append({recordingId, kind, details});
+    if (!retry.isActive())
+        flush();
+}
+
+void LibraryWriter::removeFile(const QString& path) {
+    obsoleteFiles.append(path);
+    if (!retry.isActive())
+        flush();
+}
+
+void LibraryWriter::forget(const QString& recordingId) {
+    rows.remove(recordingId);
+    events.removeIf([&](const Event& event) { return event.recordingId == recordingId; });
+}
+
+bool LibraryWriter::flush() {
+    QElapsedTimer clock;
+    clock.start();
+    try {
+        write();
+    } catch (const std::exception& exception) {
+        retry.start(kRetryInterval + std::chrono::milliseconds(clock.elapsed()) * kRestPerTry);
+        if (!std::exchange(refusing, true))
+            Q_EMIT refused(QString::fromUtf8(exception.what()));
+        return false;
+    }
+    retry.stop();
+    if (std::exchange(refusing, false))
+        Q_EMIT caughtUp();
+    return true;
+}
+
+// Rows first: no event may keep them waiting.
+void LibraryWriter::write() {
+    while (!rows.isEmpty()) {
+        library.update(rows.cbegin().value());
+        rows.erase(rows.cbegin());
+    }
+    while (!obsoleteFiles.isEmpty())
+        QFile::remove(obsoleteFiles.takeFirst());
+    while (!events.isEmpty()) {
+        write(events.first());
+        events.removeFirst();
+    }
+}
+
+// Steps over an event whose recording was deleted from outside: it could never be written.
+void LibraryWriter::write(const Event& event) {
+    try {
+        library.event(event.recordingId, event.kind, event.details);
+    } catch (const std::exception&) {
+        const QList<Recording> all = library.list({}, {});
+        if (std::any_of(all.cbegin(), all.cend(), [&](const Recording& recording) {
+                return recording.id == event.recordingId;
+            }))
+            throw;
+    }
+}
+
+} // namespace qn

@@ -1,0 +1,186 @@
+#include "ui/library/recording_table.h"
+
+#include "core/text.h"
+#include "ui/library/recording_text.h"
+
+#include <QFontMetricsF>
+#include <QHeaderView>
+#include <QSet>
+#include <QSignalBlocker>
+#include <QStyle>
+#include <QStyledItemDelegate>
+#include <QtMath>
+
+#include <algorithm>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Column { kTitle, kStarted, kEnded, kDuration, kFormat, kStatus, kColumns };
+
+constexpr qsizetype kLongestShownTitle = 500;
+constexpr int kMostMeasuredRows = 1000; // as many as the header's own precision takes
+
+// A cell that never holds a text of its own. Rows come and go at the table's end only, so its place
+// is fixed.
+class Cell : public QTableWidgetItem {
+public:
+    Cell(const RecordingTable& owner, int atRow, int atColumn)
+        : table(owner), cellRow(atRow), cellColumn(atColumn) {}
+
+    QVariant data(int role) const override {
+        return role == Qt::DisplayRole || role == Qt::EditRole
+                   ? QVariant(table.cellText(cellRow, cellColumn))
+                   : QTableWidgetItem::data(role);
+    }
+
+private:
+    const RecordingTable& table;
+    int cellRow;
+    int cellColumn;
+};
+
+// Draws a hostile title as one line of bearable length; the cell's text stays as stored.
+class OneLineDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QString displayText(const QVariant& value, const QLocale&) const override {
+        QString text = value.toString().left(kLongestShownTitle);
+        for (QChar& c : text) {
+            if (c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line ||
+                c.category() == QChar::Separator_Paragraph)
+                c = u' ';
+        }
+        return text;
+    }
+};
+
+bool looksSame(const Recording& a, const Recording& b) {
+    return a.id == b.id && a.started == b.started && a.ended == b.ended &&
+           a.durationMs == b.durationMs && a.status == b.status && a.title == b.title &&
+           a.format == b.format && a.timezone == b.timezone;
+}
+
+QChar widestDigit(const QFontMetricsF& metrics) {
+    const QString digits = u"0123456789"_s;
+    return *std::max_element(digits.begin(), digits.end(), [&](QChar a, QChar b) {
+        return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b);
+    });
+}
+
+} // namespace
+
+RecordingTable::RecordingTable(QWidget* parent) : QTableWidget(0, kColumns, parent) {
+    setObjectName(u"recordings"_s);
+    setAccessibleName(u"Библиотека созвонов"_s);
+    setHorizontalHeaderLabels({u"Название"_s, u"Начало созвона"_s, u"Окончание"_s,
+                               u"Длительность"_s, u"Формат"_s, u"Состояние"_s});
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setAlternatingRowColors(true);
+    setTabKeyNavigation(false); // Tab leaves the table
+    setWordWrap(false);
+    verticalHeader()->hide();
+    horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    horizontalHeader()->setSectionResizeMode(kTitle, QHeaderView::Stretch);
+    setItemDelegate(new OneLineDelegate(this));
+}
+
+void RecordingTable::setRows(const QList<Recording>& recordings) {
+    const QSignalBlocker blocker(this);
+    const QString keptId = selected() ? selected()->id : QString();
+    const bool same =
+        std::equal(rows.cbegin(), rows.cend(), recordings.cbegin(), recordings.cend(), looksSame);
+    rows = recordings;
+    if (!same) {
+        resizeTo(static_cast<int>(rows.size()));
+        if (!rows.isEmpty())
+            Q_EMIT model()->dataChanged(model()->index(0, 0),
+                                        model()->index(rowCount() - 1, kColumns - 1));
+    }
+    keepSelected(keptId);
+}
+
+void RecordingTable::resizeTo(int count) {
+    const int before = rowCount();
+    setRowCount(count);
+    // One notice for all new items is the caller's.
+    const QSignalBlocker blocker(model());
+    for (int row = before; row < count; ++row) {
+        for (int column = 0; column < kColumns; ++column)
+            setItem(row, column, new Cell(*this, row, column));
+    }
+}
+
+void RecordingTable::keepSelected(const QString& id) {
+    const Recording* now = selected();
+    if (rows.isEmpty() || (now && now->id == id && selectionModel()->isRowSelected(currentRow())))
+        return;
+    const auto kept = std::find_if(rows.cbegin(), rows.cend(),
+                                   [&](const Recording& recording) { return recording.id == id; });
+    selectRow(kept == rows.cend() ? 0 : static_cast<int>(kept - rows.cbegin()));
+}
+
+void RecordingTable::selectNeighbour() {
+    const QSignalBlocker blocker(this);
+    const int row = currentRow();
+    selectRow(row + 1 < rowCount() ? row + 1 : row - 1);
+}
+
+const Recording* RecordingTable::selected() const {
+    const int row = currentRow();
+    return row >= 0 && row < rows.size() ? &rows.at(row) : nullptr;
+}
+
+QString RecordingTable::cellText(int row, int column) const {
+    if (row < 0 || row >= rows.size())
+        return {};
+    const Recording& r = rows.at(row);
+    switch (column) {
+    case kTitle:
+        return r.title;
+    case kStarted:
+        return dateTimeText(r.started, r.timezone);
+    case kEnded:
+        return dateTimeText(r.ended, r.timezone);
+    case kDuration:
+        return formatDuration(r.durationMs);
+    case kFormat:
+        return r.format.toUpper();
+    case kStatus:
+        return statusText(r.status);
+    default:
+        return {};
+    }
+}
+
+// Measures every shape of text once, taking each digit for the widest one.
+int RecordingTable::sizeHintForColumn(int column) const {
+    ensurePolished();
+    const QFontMetricsF metrics(font());
+    const QChar digit = widestDigit(metrics);
+    const int count = static_cast<int>(rows.size());
+    const int first = std::clamp(rowAt(0), 0, std::max(count - kMostMeasuredRows, 0));
+    QSet<QString> shapes;
+    qreal widest = 0;
+    for (int row = first; row < std::min(first + kMostMeasuredRows, count); ++row) {
+        QString shape = cellText(row, column).left(kLongestShownTitle);
+        for (QChar& c : shape) {
+            if (c >= u'0' && c <= u'9')
+                c = digit;
+        }
+        if (shapes.contains(shape))
+            continue;
+        shapes.insert(shape);
+        widest = std::max(widest, metrics.horizontalAdvance(shape));
+    }
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    return qCeil(widest) + 2 * margin + (showGrid() ? 1 : 0);
+}
+
+} // namespace qn

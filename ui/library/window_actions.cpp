@@ -1,0 +1,227 @@
+#include "core/text.h"
+#include "ui/library/action_bar.h"
+#include "ui/library/export_bar.h"
+#include "ui/library/file_names.h"
+#include "ui/library/library_writer.h"
+#include "ui/library/recording_table.h"
+#include "ui/window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QWindow>
+
+#include <algorithm>
+#include <utility>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int kResultShownMs = 10000;
+constexpr qsizetype kLongestAskedTitle = 200;
+constexpr qsizetype kMostShownLines = 15;
+constexpr qint64 kUnnoticedLossMs = 2000; // between the last progress and the end of the program
+
+// A tool's last words may be higher than the screen. Of those the box shows the last lines without
+// the progress among them, because the reason stands there.
+QString fitting(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    if (lines.size() <= kMostShownLines)
+        return text;
+    const QString first = lines.takeFirst();
+    static const QRegularExpression progress(u"^\\w+=\\s*\\S*$"_s);
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [](const QString& line) { return progress.match(line).hasMatch(); }),
+                lines.end());
+    return first + u"\n…\n"_s +
+           lines.mid(std::max<qsizetype>(lines.size() - kMostShownLines, 0)).join(u'\n');
+}
+
+// Titles and tools' messages come from outside: nothing of them is taken for markup.
+QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, const QString& title,
+                                    const QString& text, QMessageBox::StandardButtons buttons) {
+    QMessageBox box(icon, title, fitting(text), buttons, parent);
+    box.setTextFormat(Qt::PlainText);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+QString shortened(const QString& title) {
+    return title.size() > kLongestAskedTitle ? title.left(kLongestAskedTitle) + u'…' : title;
+}
+} // namespace
+
+bool Window::confirm(const QString& title, const QString& question) {
+    return showBox(this, QMessageBox::Question, title, question,
+                   QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+}
+
+void Window::showError(const QString& message) {
+    if (!closing)
+        showBox(this, QMessageBox::Warning, u"Quorlin"_s, message, QMessageBox::Ok);
+}
+
+void Window::exportSelected() {
+    const Recording* row = selected();
+    if (!row || exportJob.isRunning())
+        return;
+    const Recording recording = *row;
+    QString filter = exportFilter(audioFormatFromText(recording.format));
+    const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    const QString chosen = QFileDialog::getSaveFileName(
+        this, u"Экспорт аудиозаписи"_s, documents.filePath(exportFileName(recording)),
+        exportFilters(), &filter);
+    if (chosen.isEmpty())
+        return;
+    const AudioFormat format = formatOfFilter(filter);
+    const QString target = withExtension(chosen, format);
+    // The dialog asked about the name it returned, not about one changed here.
+    if (target != chosen && QFileInfo::exists(target) &&
+        !confirm(u"Заменить файл?"_s, u"Файл уже существует. Заменить его?"_s))
+        return;
+    exportBar->begin();
+    exportJob.start(recording, target, format);
+    selectionChanged();
+}
+
+void Window::recoverSelected() {
+    const Recording* row = selected();
+    if (!row || exportJob.isRunning() || row->status == "ready"_L1)
+        return;
+    exportSubject = *row;
+    recoveryTarget = recoveryPath(exportSubject);
+    if (QFileInfo::exists(recoveryTarget)) {
+        showError(u"Файл восстановления уже существует. Экспортируйте запись под другим именем."_s);
+        return;
+    }
+    recovering = true;
+    exportBar->begin();
+    exportJob.start(exportSubject, recoveryTarget, audioFormatFromText(exportSubject.format));
+    selectionChanged();
+}
+
+void Window::exportFinished(bool success, const QString& message) {
+    exportBar->end();
+    QString problem = success ? QString() : message;
+    if (std::exchange(recovering, false) && success)
+        problem = completeRecovery();
+    refreshLibrary();
+    selectionChanged();
+    statusBar()->showMessage(message, kResultShownMs);
+    if (!problem.isEmpty())
+        showError(problem);
+}
+
+// Returns what the user has to know of it; empty when all went well.
+QString Window::completeRecovery() {
+    const QString partial = std::exchange(exportSubject.path, recoveryTarget);
+    exportSubject.status = u"ready"_s;
+    writer->update(exportSubject);
+    writer->addEvent(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
+    // The tool takes a damaged stretch for the end and calls that a success.
+    if (exportJob.transcodedLength() + kUnnoticedLossMs < exportSubject.durationMs)
+        return u"Восстановлено %1 из %2. Исходный файл сохранён:\n%3"_s.arg(
+            formatDuration(exportJob.transcodedLength()), formatDuration(exportSubject.durationMs),
+            partial);
+    writer->removeFile(partial);
+    return {};
+}
+
+void Window::renameSelected() {
+    const Recording* row = selected();
+    if (!row)
+        return;
+    const Recording recording = *row;
+    bool accepted = false;
+    const QString title = QInputDialog::getText(this, u"Название созвона"_s, u"Название"_s,
+                                                QLineEdit::Normal, recording.title, &accepted)
+                              .trimmed();
+    if (accepted && !title.isEmpty() && tryLibrary([&] { library->rename(recording.id, title); }))
+        refreshLibrary();
+}
+
+void Window::deleteSelected() {
+    const Recording* row = selected();
+    if (!row || !actionBar->removeButton->isEnabled())
+        return;
+    const Recording recording = *row;
+    if (!confirm(u"Удалить запись"_s,
+                 u"Удалить «%1» и её аудиофайл?"_s.arg(shortened(recording.title))))
+        return;
+    setPlayerSource({}); // which would hold the file open
+    if (QFileInfo::exists(recording.path) && !QFile::remove(recording.path)) {
+        showError(u"Не удалось удалить аудиофайл"_s);
+        return;
+    }
+    if (!tryLibrary([&] { library->remove(recording.id); }))
+        return;
+    writer->forget(recording.id);
+    table->selectNeighbour();
+    refreshLibrary();
+}
+
+void Window::saveAndClose() {
+    closing = true;
+    // A dialog would hold the window open, and a question that nobody answers counts as No.
+    for (QWidget* dialog = QApplication::activeModalWidget(); dialog && dialog->close();)
+        dialog = QApplication::activeModalWidget();
+    if (isResting(state)) {
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        return;
+    }
+    closePending = true;
+    stopRecording();
+}
+
+// True while the close has to wait: recordingFinished then closes the window.
+bool Window::deferCloseToRecording() {
+    if (closing || (closePending && state == State::Finalizing))
+        return true;
+    if (!confirm(u"Запись продолжается"_s,
+                 u"Остановить запись, сохранить файл и закрыть приложение?"_s))
+        return true;
+    // It may have ended by itself behind the question.
+    if (isResting(state))
+        return false;
+    closePending = true;
+    stopRecording();
+    return true;
+}
+
+bool Window::mayCancelExport() {
+    return closing ||
+           confirm(u"Экспорт продолжается"_s, u"Отменить экспорт и закрыть приложение?"_s);
+}
+
+// As the window manager asks for it. While the question that answers close() is shown, Qt would let
+// through another request to close, and end the program unanswered.
+void Window::requestClose() {
+    QCloseEvent event;
+    if (windowHandle())
+        QCoreApplication::sendEvent(windowHandle(), &event);
+    else
+        close();
+}
+
+void Window::closeEvent(QCloseEvent* event) {
+    const bool deferred = !isResting(state) && deferCloseToRecording();
+    if (deferred || (exportJob.isRunning() && !mayCancelExport())) {
+        event->ignore();
+        return;
+    }
+    closing = true;
+    exportJob.cancel();
+    event->accept();
+}
+
+} // namespace qn

@@ -1,0 +1,116 @@
+#include "ui/library/action_bar.h"
+#include "ui/library/filter_bar.h"
+#include "ui/library/finished_files.h"
+#include "ui/library/library_writer.h"
+#include "ui/library/recording_table.h"
+#include "ui/library/recording_text.h"
+#include "ui/playback/waveform_timeline.h"
+#include "ui/window.h"
+
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QTextEdit>
+#include <QUrl>
+
+#include <exception>
+#include <utility>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString libraryError(const QString& reason) {
+    return u"Ошибка библиотеки: "_s + reason;
+}
+
+} // namespace
+
+bool Window::tryLibrary(const std::function<void()>& action) {
+    try {
+        action();
+        return true;
+    } catch (const std::exception& exception) {
+        showError(libraryError(QString::fromUtf8(exception.what())));
+        return false;
+    }
+}
+
+void Window::tryLibraryQuietly(const std::function<void()>& action) {
+    try {
+        action();
+        libraryErrorShown = false;
+    } catch (const std::exception& exception) {
+        libraryRefused(QString::fromUtf8(exception.what()));
+    }
+}
+
+// The message waits until the present work is done: behind a box everything may change.
+void Window::libraryRefused(const QString& reason) {
+    if (!std::exchange(libraryErrorShown, true))
+        QMetaObject::invokeMethod(
+            this, [this, reason] { showError(libraryError(reason)); }, Qt::QueuedConnection);
+}
+
+void Window::adoptFinishedFiles() {
+    const QList<Recording> finished = finishedUnnoticed(library->list({}, {}));
+    for (const Recording& recording : finished)
+        writer->update(recording);
+}
+
+void Window::refreshLibrary() {
+    if (closing)
+        return;
+    tryLibraryQuietly([this] { rows = library->list(filterBar->searchText(), filterBar->date()); });
+    table->setRows(rows);
+    selectionChanged();
+}
+
+const Recording* Window::selected() const {
+    return table->selected();
+}
+
+SelectionFacts Window::selectionFacts() const {
+    SelectionFacts facts{.exporting = exportJob.isRunning(), .state = state};
+    if (const Recording* recording = selected()) {
+        facts.hasSelection = true;
+        facts.isCurrent = recording->id == current.id;
+        // Opening a pipe would block the window.
+        facts.fileExists = QFileInfo(recording->path).isFile();
+        facts.ready = recording->status == "ready"_L1;
+    }
+    return facts;
+}
+
+void Window::selectionChanged() {
+    if (closing)
+        return;
+    showDetails();
+    const SelectionFacts facts = selectionFacts();
+    const QString path = isPlayable(facts) ? selected()->path : QString();
+    setPlayerSource(mayPlay(facts) ? path : QString());
+    waveform->setAudioFile(path);
+    updatePlaybackControls();
+    actionBar->apply(actionRules(facts));
+}
+
+void Window::showDetails() {
+    const Recording* recording = selected();
+    if (!recording) {
+        details->clear();
+        return;
+    }
+    QJsonArray events;
+    tryLibraryQuietly([&] { events = library->events(recording->id); });
+    details->setPlainText(detailsText(*recording, events));
+    details->viewport()->repaint(); // while the player opens the file, nothing is painted
+}
+
+void Window::openFolder() {
+    if (const Recording* recording = selected())
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(recording->path).absolutePath()));
+}
+
+} // namespace qn

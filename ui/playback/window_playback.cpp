@@ -1,0 +1,141 @@
+#include "ui/playback/playback_panel.h"
+#include "ui/playback/waveform_timeline.h"
+#include "ui/window.h"
+
+#include <QAudioDevice>
+#include <QMediaDevices>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QUrl>
+
+#include <algorithm>
+#include <limits>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kErrorShownMs = 15000;
+constexpr qint64 kSkipMs = 10000;
+
+int sliderValue(qint64 ms) {
+    return static_cast<int>(std::min<qint64>(ms, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+void Window::connectPlayer() {
+    player.setAudioOutput(&audioOutput);
+    connect(&player, &QMediaPlayer::positionChanged, this, &Window::showPosition);
+    connect(&player, &QMediaPlayer::durationChanged, this, &Window::showDuration);
+    connect(&player, &QMediaPlayer::playbackStateChanged, this, &Window::updatePlaybackControls);
+    connect(&player, &QMediaPlayer::mediaStatusChanged, this, &Window::updatePlaybackControls);
+    connect(&player, &QMediaPlayer::seekableChanged, this, &Window::updatePlaybackControls);
+    connect(&player, &QMediaPlayer::errorOccurred, this,
+            [this](QMediaPlayer::Error, const QString& text) {
+                statusBar()->showMessage(u"Не удалось воспроизвести: "_s + text, kErrorShownMs);
+            });
+    connect(waveform, &QSlider::sliderMoved, this,
+            [this](int value) { playbackPanel->showPosition(value, player.duration()); });
+    connect(waveform, &QSlider::valueChanged, this, [this](int value) {
+        if (waveform->isEnabled() && !waveform->isSliderDown())
+            player.setPosition(value);
+    });
+    connect(playbackPanel->playButton, &QPushButton::clicked, this, &Window::playSelected);
+    connect(playbackPanel->pauseButton, &QPushButton::clicked, &player, &QMediaPlayer::pause);
+    connect(playbackPanel->backButton, &QPushButton::clicked, this,
+            [this] { seekPlayback(-kSkipMs); });
+    connect(playbackPanel->forwardButton, &QPushButton::clicked, this,
+            [this] { seekPlayback(kSkipMs); });
+}
+
+// Withholds the file from the player when `path` is empty.
+void Window::setPlayerSource(const QString& path) {
+    const QUrl url = path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
+    if (player.source() == url)
+        return;
+    player.stop();
+    loadPlayer(url);
+    const QSignalBlocker blocker(waveform);
+    waveform->setValue(0);
+}
+
+// As of Qt 6.4 the player's FFmpeg back end can't open a path with letters outside ASCII, and loses
+// 32 KiB for each file that it is handed as a device instead.
+void Window::loadPlayer(const QUrl& url) {
+    player.setSource({});
+    showDuration(0); // the back end is silent about it, and a file that isn't audio brings no other
+    playedFile.close();
+    const QString path = url.toLocalFile();
+    if (path.isEmpty())
+        return;
+    const bool isAscii = std::all_of(path.cbegin(), path.cend(),
+                                     [](QChar letter) { return letter.unicode() < 0x80; });
+    if (playedFile.openAudio(path) && (!isAscii || playedFile.isCut()))
+        player.setSourceDevice(&playedFile, url);
+    else
+        player.setSource(url);
+}
+
+void Window::showPosition(qint64 positionMs) {
+    if (waveform->isSliderDown())
+        return;
+    const QSignalBlocker blocker(waveform);
+    waveform->setValue(sliderValue(positionMs));
+    playbackPanel->showPosition(positionMs, player.duration());
+}
+
+void Window::showDuration(qint64 durationMs) {
+    const QSignalBlocker blocker(waveform);
+    waveform->setMaximum(sliderValue(durationMs));
+    playbackPanel->showPosition(player.position(), durationMs);
+    updatePlaybackControls();
+}
+
+void Window::playSelected() {
+    const Recording* recording = selected();
+    if (!recording || !playbackPanel->playButton->isEnabled())
+        return;
+    // Without a device the player's back end can't play and may even crash.
+    if (QMediaDevices::defaultAudioOutput().isNull()) {
+        statusBar()->showMessage(u"Не удалось воспроизвести: нет устройства вывода звука"_s,
+                                 kErrorShownMs);
+        return;
+    }
+    audioOutput.setDevice(QMediaDevices::defaultAudioOutput());
+    const QUrl url = QUrl::fromLocalFile(recording->path);
+    if (player.source() != url)
+        loadPlayer(url);
+    if (player.mediaStatus() == QMediaPlayer::EndOfMedia)
+        player.setPosition(0);
+    player.play();
+}
+
+void Window::togglePlayback() {
+    if (player.playbackState() == QMediaPlayer::PlayingState)
+        player.pause();
+    else
+        playSelected();
+}
+
+void Window::seekPlayback(qint64 deltaMs) {
+    if (waveform->isEnabled())
+        player.setPosition(std::clamp<qint64>(player.position() + deltaMs, 0,
+                                              std::max<qint64>(player.duration(), 0)));
+}
+
+void Window::updatePlaybackControls() {
+    const Recording* recording = selected();
+    const PlayerFacts facts{.loaded = recording &&
+                                      player.source() == QUrl::fromLocalFile(recording->path),
+                            .playing = player.playbackState() == QMediaPlayer::PlayingState,
+                            .seekable = player.isSeekable(),
+                            .hasDuration = player.duration() > 0};
+    const PlaybackRules rules = playbackRules(selectionFacts(), facts);
+    playbackPanel->apply(rules);
+    waveform->setEnabled(rules.seek);
+}
+
+} // namespace qn

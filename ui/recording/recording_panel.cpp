@@ -1,0 +1,141 @@
+#include "ui/recording/recording_panel.h"
+
+#include "core/text.h"
+#include "ui/common/elided_label.h"
+#include "ui/common/layouts.h"
+#include "ui/recording/level_meter.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kButtonHeight = 38; // px
+
+QString statusText(State state) {
+    switch (state) {
+    case State::Starting:
+        return u"Подготовка…"_s;
+    case State::Recording:
+        return u"● Записываем"_s;
+    case State::Paused:
+        return u"На паузе"_s;
+    case State::Finalizing:
+        return u"Сохраняем…"_s;
+    case State::Failed:
+        return u"Запись завершена с ошибкой"_s;
+    case State::Idle:
+        break;
+    }
+    return u"Готов к записи"_s;
+}
+
+QPushButton* tallButton(const QString& text) {
+    auto* button = new QPushButton(text);
+    button->setMinimumHeight(kButtonHeight);
+    return button;
+}
+
+void setCaption(QLabel* label, LevelMeter* meter, const QString& caption) {
+    label->setText(caption);
+    meter->setAccessibleName(caption);
+}
+
+} // namespace
+
+RecordingPanel::RecordingPanel(QWidget* parent)
+    : QGroupBox(u"Созвон"_s, parent),
+      recordButton(tallButton(u"●  Начать запись"_s)),
+      pauseButton(tallButton(u"Пауза"_s)),
+      stopButton(tallButton(u"Остановить"_s)) {
+    recordButton->setObjectName(u"record"_s);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(buildTitleRow());
+    layout->addWidget(buildButtonRow());
+    layout->addWidget(buildMeterRow());
+    setMicrophoneCaption(u"Микрофон"_s);
+    setSystemCaption(u"Звук собеседников"_s);
+}
+
+QWidget* RecordingPanel::buildTitleRow() {
+    titleField = new QLineEdit;
+    titleField->setPlaceholderText(u"Название созвона — можно оставить пустым"_s);
+    titleField->setAccessibleName(u"Название созвона"_s);
+    elapsed = new QLabel(u"00:00:00"_s);
+    elapsed->setStyleSheet(u"font-size:30px;font-weight:600;font-family:monospace"_s);
+    return rowOf({titleField, elapsed});
+}
+
+QWidget* RecordingPanel::buildButtonRow() {
+    status = new QLabel(u"Готов к записи"_s);
+    auto* row = rowOf({recordButton, pauseButton, stopButton, status});
+    addStretch(row);
+    return row;
+}
+
+QWidget* RecordingPanel::buildMeterRow() {
+    microphoneCaption = new ElidedLabel;
+    microphoneMeter = new LevelMeter;
+    systemCaption = new ElidedLabel;
+    systemMeter = new LevelMeter;
+    return rowOf(
+        {columnOf({microphoneCaption, microphoneMeter}), columnOf({systemCaption, systemMeter})});
+}
+
+QString RecordingPanel::title() const {
+    return titleField->text().trimmed();
+}
+
+void RecordingPanel::showState(State state) {
+    const bool active = state == State::Recording || state == State::Paused;
+    enable(recordButton, isResting(state));
+    enable(titleField, isResting(state));
+    enable(pauseButton, active);
+    enable(stopButton, active);
+    pauseButton->setText(state == State::Paused ? u"Продолжить"_s : u"Пауза"_s);
+    status->setText(statusText(state));
+    passFocusTo(active ? pauseButton : recordButton);
+}
+
+void RecordingPanel::setElapsed(qint64 ms) {
+    elapsed->setText(formatDuration(ms));
+}
+
+void RecordingPanel::setLevels(float microphone, float system) {
+    microphoneMeter->setLevel(microphone);
+    systemMeter->setLevel(system);
+}
+
+void RecordingPanel::setMicrophoneCaption(const QString& caption) {
+    setCaption(microphoneCaption, microphoneMeter, caption);
+}
+
+void RecordingPanel::setSystemCaption(const QString& caption) {
+    setCaption(systemCaption, systemMeter, caption);
+}
+
+void RecordingPanel::setRecordEnabled(bool enabled) {
+    enable(recordButton, enabled);
+    passFocusTo(recordButton);
+}
+
+// A control that is switched off would hand its focus on to the search field. It waits on the
+// status instead, for the next button or until the user moves it.
+void RecordingPanel::enable(QWidget* control, bool enabled) {
+    if (!enabled && window()->focusWidget() == control)
+        status->setFocus();
+    control->setEnabled(enabled);
+}
+
+void RecordingPanel::passFocusTo(QPushButton* button) {
+    if (button->isEnabled() && window()->focusWidget() == status)
+        button->setFocus();
+}
+
+} // namespace qn

@@ -1,0 +1,165 @@
+#include "engine/recorder_worker.h"
+#include "ui/library/library_writer.h"
+#include "ui/recording/level_relay.h"
+#include "ui/recording/microphone_permission.h"
+#include "ui/recording/new_recording.h"
+#include "ui/recording/recording_panel.h"
+#include "ui/settings/settings_dialog.h"
+#include "ui/window.h"
+
+#include <QDir>
+#include <QTemporaryFile>
+
+#include <utility>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+void Window::connectWorker() {
+    worker = new RecorderWorker;
+    worker->moveToThread(&workerThread);
+    connect(&workerThread, &QThread::finished, worker, &QObject::deleteLater);
+    connect(worker, &RecorderWorker::stateChanged, this, &Window::stateChanged);
+    connect(worker, &RecorderWorker::began, this, &Window::recordingBegan);
+    connect(worker, &RecorderWorker::progress, this, &Window::recordingProgress);
+    connect(worker, &RecorderWorker::sourceChanged, this, &Window::sourceChanged);
+    connect(worker, &RecorderWorker::completed, this, &Window::recordingFinished);
+    auto* levelRelay = new LevelRelay;
+    levelRelay->moveToThread(&workerThread);
+    connect(&workerThread, &QThread::finished, levelRelay, &QObject::deleteLater);
+    connect(worker, &RecorderWorker::levels, levelRelay, &LevelRelay::add);
+    connect(levelRelay, &LevelRelay::levels, recordingPanel, &RecordingPanel::setLevels);
+    workerThread.start();
+}
+
+void Window::invokeWorker(void (RecorderWorker::*slot)()) {
+    QMetaObject::invokeMethod(worker, slot, Qt::QueuedConnection);
+}
+
+void Window::togglePause() {
+    invokeWorker(state == State::Paused ? &RecorderWorker::resume : &RecorderWorker::pause);
+}
+
+void Window::stopRecording() {
+    invokeWorker(&RecorderWorker::stop);
+}
+
+void Window::startRecording() {
+    if (!isResting(state))
+        return;
+    savePreferences();
+    if (settings.sourceKind != 0 && settings.sourceId.isEmpty()) {
+        showError(u"Выберите устройство или приложение в настройках"_s);
+        return;
+    }
+    if (settings.microphoneEnabled && !askForMicrophone())
+        return;
+    if (!QDir().mkpath(settings.directory)) {
+        showError(u"Не удалось создать папку записей"_s);
+        return;
+    }
+    QTemporaryFile probe(QDir(settings.directory).filePath(u".quorlin-check-XXXXXX"_s));
+    if (!probe.open()) {
+        showError(u"Папка записей недоступна для записи"_s);
+        return;
+    }
+    player.stop();
+    const Recording recording =
+        newRecording(settings, recordingPanel->title(), QDateTime::currentDateTimeUtc());
+    if (!tryLibrary([&] { library->insert(recording); }))
+        return;
+    current = recording;
+    recordingPanel->setElapsed(0);
+    stateChanged(State::Starting);
+    refreshLibrary();
+    QMetaObject::invokeMethod(
+        worker,
+        [target = worker, copy = settings, path = current.path] { target->begin(copy, path); },
+        Qt::QueuedConnection);
+}
+
+// True when the microphone may be used now. Where the user has to be asked first, the answer
+// starts the recording.
+bool Window::askForMicrophone() {
+    recordingPanel->setRecordEnabled(false); // before an answer can come
+    const auto permission =
+        requestMicrophone(this, [this](bool granted) { microphoneAnswered(granted); });
+    if (permission == MicrophonePermission::Undetermined)
+        return false;
+    recordingPanel->setRecordEnabled(true);
+    if (permission == MicrophonePermission::Denied)
+        showError(u"Доступ к микрофону запрещён. Разрешите его в настройках системы либо отключите "
+                  "микрофон."_s);
+    return permission == MicrophonePermission::Granted;
+}
+
+void Window::microphoneAnswered(bool granted) {
+    recordingPanel->setRecordEnabled(true);
+    if (granted)
+        startRecording();
+    else
+        showError(u"Разрешите доступ к микрофону в настройках системы либо отключите микрофон в "
+                  "настройках записи."_s);
+}
+
+void Window::stateChanged(State newState) {
+    const State oldState = std::exchange(state, newState);
+    recordingPanel->showState(newState);
+    settingsDialog->setEditable(isResting(newState));
+    if (newState == State::Paused) {
+        current.status = u"paused"_s;
+        writer->addEvent(current.id, u"pause"_s, {});
+        writer->update(current);
+    } else if (newState == State::Recording) {
+        current.status = u"recording"_s;
+        if (oldState == State::Paused)
+            writer->addEvent(current.id, u"resume"_s, {});
+        writer->update(current);
+    }
+    selectionChanged();
+}
+
+void Window::recordingBegan(const QDateTime& startedUtc) {
+    current.started = startedUtc;
+    current.status = u"recording"_s;
+    writer->update(current);
+    refreshLibrary();
+}
+
+void Window::recordingProgress(qint64 durationMs) {
+    recordingPanel->setElapsed(durationMs);
+    current.durationMs = durationMs;
+    current.ended = QDateTime::currentDateTimeUtc();
+    writer->update(current);
+}
+
+void Window::sourceChanged(const QString& description, const QJsonObject& sourceDetails) {
+    if (sourceDetails.contains("microphone"_L1))
+        recordingPanel->setMicrophoneCaption(description);
+    else
+        recordingPanel->setSystemCaption(description);
+    writer->addEvent(current.id, u"source"_s, sourceDetails);
+}
+
+void Window::recordingFinished(const QString& path, qint64 durationMs, const QString& error) {
+    current.path = path;
+    current.durationMs = durationMs;
+    current.ended = QDateTime::currentDateTimeUtc();
+    current.status = error.isEmpty() ? u"ready"_s : u"failed"_s;
+    if (!error.isEmpty()) {
+        current.details.insert(u"error"_s, error);
+        writer->addEvent(current.id, u"error"_s, {{u"message"_s, error}});
+    }
+    writer->update(std::exchange(current, {}));
+    writer->flush();
+    recordingPanel->setElapsed(durationMs);
+    recordingPanel->setLevels(0, 0);
+    refreshLibrary();
+    if (!error.isEmpty())
+        showError(error);
+    if (closePending)
+        requestClose();
+}
+
+} // namespace qn

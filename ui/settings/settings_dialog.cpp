@@ -1,0 +1,150 @@
+#include "ui/settings/settings_dialog.h"
+
+#include "ui/common/layouts.h"
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize kInitialSize(650, 390);
+constexpr int kSourceWidth = 30; // characters
+
+QPushButton* plainButton(const QString& text) {
+    auto* button = new QPushButton(text);
+    button->setAutoDefault(false); // Return in the folder field must not press it
+    return button;
+}
+
+// Device names come from outside and may be of any length: the combo keeps its width.
+QComboBox* deviceCombo() {
+    auto* combo = new QComboBox;
+    combo->setMinimumContentsLength(kSourceWidth);
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    return combo;
+}
+
+QComboBox* comboOf(const QList<ComboItem>& items) {
+    auto* combo = new QComboBox;
+    for (const ComboItem& item : items)
+        combo->addItem(item.text, item.data);
+    return combo;
+}
+
+bool holds(const QComboBox* combo, const ComboContents& contents) {
+    QList<ComboItem> items;
+    for (int i = 0; i < combo->count(); ++i)
+        items.append({combo->itemText(i), combo->itemData(i)});
+    return items == contents.items && combo->currentIndex() == contents.current;
+}
+
+void fill(QComboBox* combo, const ComboContents& contents) {
+    combo->setEnabled(contents.enabled);
+    if (combo->view()->isVisible() || holds(combo, contents))
+        return;
+    combo->clear();
+    for (const ComboItem& item : contents.items)
+        combo->addItem(item.text, item.data);
+    combo->setCurrentIndex(contents.current);
+}
+
+} // namespace
+
+SettingsDialog::SettingsDialog(const Settings& settings, QWidget* parent)
+    : QDialog(parent), group(new QGroupBox(u"Источники и сохранение"_s)) {
+    setWindowTitle(u"Настройки записи"_s);
+    resize(kInitialSize);
+    buildForm(new QFormLayout(group), settings);
+    auto* done = plainButton(u"Готово"_s);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(group);
+    layout->addWidget(done);
+    connect(done, &QPushButton::clicked, this, &QDialog::accept);
+    connectControls();
+}
+
+void SettingsDialog::buildForm(QFormLayout* form, const Settings& settings) {
+    kindCombo = comboOf({{u"Системное устройство вывода"_s, {}},
+                         {u"Выбранная звуковая карта"_s, {}},
+                         {u"Выбранное приложение"_s, {}}});
+    kindCombo->setCurrentIndex(settings.sourceKind);
+    sourceCombo = deviceCombo();
+    microphoneCheck = new QCheckBox(u"Добавлять микрофон в запись"_s);
+    microphoneCheck->setChecked(settings.microphoneEnabled);
+    microphoneCombo = deviceCombo();
+    formatCombo = comboOf({{u"Opus — 64 кбит/с (по умолчанию)"_s, toText(AudioFormat::Opus)},
+                           {u"MP3 — 128 кбит/с"_s, toText(AudioFormat::Mp3)},
+                           {u"WAV — PCM 16 бит"_s, toText(AudioFormat::Wav)}});
+    formatCombo->setCurrentIndex(formatCombo->findData(toText(settings.format)));
+    directoryField = new QLineEdit(settings.directory);
+    directoryField->setAccessibleName(u"Папка записей"_s);
+    auto* browse = plainButton(u"Выбрать…"_s);
+    connect(browse, &QPushButton::clicked, this, &SettingsDialog::chooseDirectory);
+    auto* note = new QLabel(u"При отключении выбранной карты используем системную, затем "
+                            "автоматически возвращаемся.\nРежим приложения записывает приложение "
+                            "целиком, включая вкладки браузера."_s);
+    note->setWordWrap(true);
+
+    form->addRow(u"Источник собеседников"_s, kindCombo);
+    form->addRow(u"Устройство / приложение"_s, sourceCombo);
+    form->addRow(microphoneCheck);
+    form->addRow(u"Микрофон"_s, microphoneCombo);
+    form->addRow(u"Формат записи"_s, formatCombo);
+    form->addRow(u"Папка записей"_s, rowOf({directoryField, browse}));
+    form->addRow(note);
+}
+
+void SettingsDialog::connectControls() {
+    connect(kindCombo, &QComboBox::currentIndexChanged, this, &SettingsDialog::sourceKindChanged);
+    for (QComboBox* combo : {sourceCombo, microphoneCombo, formatCombo})
+        connect(combo, &QComboBox::currentIndexChanged, this, &SettingsDialog::changed);
+    connect(directoryField, &QLineEdit::editingFinished, this, &SettingsDialog::changed);
+    connect(microphoneCheck, &QCheckBox::toggled, this, [this](bool checked) {
+        microphoneCombo->setEnabled(checked);
+        Q_EMIT changed();
+    });
+}
+
+void SettingsDialog::chooseDirectory() {
+    const QString chosen = QFileDialog::getExistingDirectory(
+        parentWidget(), u"Папка записей"_s, directoryField->text(), QFileDialog::ShowDirsOnly);
+    if (chosen.isEmpty())
+        return;
+    directoryField->setText(chosen);
+    Q_EMIT changed();
+}
+
+void SettingsDialog::showSources(const Settings& settings, const Catalog& catalog,
+                                 const QList<MicrophoneEntry>& microphones) {
+    fill(sourceCombo, sourceItems(settings, catalog));
+    fill(microphoneCombo, microphoneItems(settings, microphones));
+}
+
+Settings SettingsDialog::edited() const {
+    Settings settings;
+    settings.sourceKind = kindCombo->currentIndex();
+    settings.sourceId = sourceCombo->currentData().toString();
+    settings.microphoneEnabled = microphoneCheck->isChecked();
+    settings.microphoneId = microphoneCombo->currentData().toByteArray();
+    settings.format = audioFormatFromText(formatCombo->currentData().toString());
+    settings.directory = directoryField->text().trimmed();
+    return settings;
+}
+
+void SettingsDialog::setEditable(bool editable) {
+    group->setEnabled(editable);
+}
+
+} // namespace qn
