@@ -45,6 +45,9 @@ public:
             Destroy(std::exchange(object, kAudioObjectUnknown));
     }
 
+    // Leaves the object to the platform.
+    void abandon() { object = kAudioObjectUnknown; }
+
 private:
     AudioObjectID object = kAudioObjectUnknown;
 };

@@ -2,8 +2,12 @@
 
 #include "capture/macos/sample_conversion.h"
 
+#include <QDeadlineTimer>
+#include <QThread>
+
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace qn {
 
@@ -47,25 +51,56 @@ std::optional<qint64> firstFrameTime(const AudioTimeStamp* inputTime, qint64 fra
     return steadyNowNs() - durationNs(frames, rate);
 }
 
+// A callback takes less than a cycle, some milliseconds.
+constexpr int kLongestCallbackMs = 1000;
+
+// Runs on the platform's real-time thread. It may not wait, lock, touch a file or call Objective-C.
+// Receivers of `block` are queued on other threads.
+OSStatus ioProc(AudioObjectID, const AudioTimeStamp*, const AudioBufferList* input,
+                const AudioTimeStamp* inputTime, AudioBufferList*, const AudioTimeStamp*,
+                void* clientData) noexcept {
+    auto* client = static_cast<IoClient*>(clientData);
+    client->busy = true;
+    if (CaptureBackend* receiver = client->receiver)
+        if (const std::optional<AudioBlock> captured =
+                captureBlock(client->format, input, inputTime))
+            Q_EMIT receiver->block(*captured);
+    client->busy = false;
+    return noErr;
+}
+
 } // namespace
 
-OSStatus OwnedIoProcedure::create(AudioObjectID onDevice, AudioDeviceIOProc procedure,
-                                  void* clientData) {
+OSStatus OwnedIoProcedure::create(AudioObjectID onDevice, const AudioStreamBasicDescription& format,
+                                  CaptureBackend& receiver) {
     destroy();
     device = onDevice;
-    return AudioDeviceCreateIOProcID(device, procedure, clientData, &id);
+    client = std::make_unique<IoClient>();
+    client->format = format;
+    client->receiver = &receiver;
+    return AudioDeviceCreateIOProcID(device, ioProc, client.get(), &id);
 }
 
 OSStatus OwnedIoProcedure::start() {
-    return AudioDeviceStart(device, id);
+    const OSStatus status = AudioDeviceStart(device, id);
+    started = status == noErr;
+    return status;
 }
 
-void OwnedIoProcedure::destroy() {
+bool OwnedIoProcedure::destroy() {
     if (id == nullptr)
-        return;
-    AudioDeviceStop(device, id);
-    AudioDeviceDestroyIOProcID(device, id);
-    id = nullptr;
+        return true;
+    const OSStatus stopped = AudioDeviceStop(device, id);
+    const OSStatus removed = AudioDeviceDestroyIOProcID(device, std::exchange(id, nullptr));
+    const bool idle = !std::exchange(started, false) || stopped == noErr ||
+                      stopped == kAudioHardwareNotRunningError;
+    if (removed == noErr && idle)
+        return true;
+    client->receiver = nullptr;
+    for (const QDeadlineTimer patience(kLongestCallbackMs); client->busy && !patience.hasExpired();)
+        QThread::msleep(1);
+    static_cast<void>(client.release()); // the procedure's, if it still runs
+    return false;
 }
 
 std::optional<AudioBlock> captureBlock(const AudioStreamBasicDescription& format,

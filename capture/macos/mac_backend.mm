@@ -21,6 +21,12 @@ QString coreAudioError(OSStatus status) {
         .arg(status);
 }
 
+bool isSameFormat(const AudioStreamBasicDescription& a, const AudioStreamBasicDescription& b) {
+    return a.mSampleRate == b.mSampleRate && a.mFormatID == b.mFormatID &&
+           a.mFormatFlags == b.mFormatFlags && a.mChannelsPerFrame == b.mChannelsPerFrame &&
+           a.mBitsPerChannel == b.mBitsPerChannel;
+}
+
 // Captures by a process tap, wrapped in a private aggregate device on which an IO procedure runs.
 // The three live from start to stop; the permission to record system audio is asked for by the
 // platform when the tap is created.
@@ -42,27 +48,23 @@ private:
     bool runIoProcedure(QString& error);
 
     QSet<AudioObjectID> processObjects() const;
-    void followProcesses();
-
-    static OSStatus ioProc(AudioObjectID device, const AudioTimeStamp* now,
-                           const AudioBufferList* input, const AudioTimeStamp* inputTime,
-                           AudioBufferList* output, const AudioTimeStamp* outputTime,
-                           void* clientData) noexcept;
+    bool isCurrent() const;
+    void followChanges();
 
     SourceKind kind = SourceKind::System; // of the last start, like selectionId
     QString selectionId;
     QString sourceId;              // captured now: device UID or bundle identifier
     QSet<AudioObjectID> processes; // application only: those in the tap
-    QTimer watchTimer{this};       // application only
+    QTimer watchTimer{this};
     OwnedTap tapId;
     OwnedAggregate aggregateId;
     OwnedIoProcedure ioProcId;
-    AudioStreamBasicDescription tapFormat = {}; // written only while no IO procedure runs
+    AudioStreamBasicDescription tapFormat = {};
 };
 
 MacBackend::MacBackend() {
     watchTimer.setInterval(1000);
-    connect(&watchTimer, &QTimer::timeout, this, [this] { followProcesses(); });
+    connect(&watchTimer, &QTimer::timeout, this, [this] { followChanges(); });
 }
 
 Catalog MacBackend::catalog() const {
@@ -84,15 +86,17 @@ bool MacBackend::start(const Selection& selection, const QString& source, QStrin
             stop();
             return false;
         }
-        if (kind == SourceKind::Application)
-            watchTimer.start();
+        watchTimer.start();
         return true;
     }
 }
 
 void MacBackend::stop() {
     watchTimer.stop();
-    ioProcId.destroy();
+    if (!ioProcId.destroy()) {
+        aggregateId.abandon();
+        tapId.abandon();
+    }
     aggregateId.destroy();
     tapId.destroy();
     sourceId.clear();
@@ -144,7 +148,7 @@ bool MacBackend::openAggregateDevice(QString& error) {
 }
 
 bool MacBackend::runIoProcedure(QString& error) {
-    OSStatus status = ioProcId.create(aggregateId.get(), ioProc, this);
+    OSStatus status = ioProcId.create(aggregateId.get(), tapFormat, *this);
     if (status == noErr)
         status = ioProcId.start();
     if (status != noErr)
@@ -164,11 +168,18 @@ QSet<AudioObjectID> MacBackend::processObjects() const {
     return objects;
 }
 
-// Helper processes come and go (a browser's tabs, a call's audio process): the tap is rebuilt
-// around the present ones.
-void MacBackend::followProcesses() {
+bool MacBackend::isCurrent() const {
+    AudioStreamBasicDescription format = {};
+    return readProperty(tapId.get(), kAudioTapPropertyFormat, &format, sizeof format) &&
+           isSameFormat(format, tapFormat) &&
+           (kind != SourceKind::Application || processObjects() == processes);
+}
+
+// Helper processes come and go (a browser's tabs, a call's audio process), and a device changes its
+// format while it plays (a headset's call mode): the tap is rebuilt around what is there now.
+void MacBackend::followChanges() {
     @autoreleasepool {
-        if (processObjects() == processes)
+        if (isCurrent())
             return;
         const Selection selection = {kind, selectionId};
         const QString source = sourceId; // stop clears the member
@@ -176,19 +187,6 @@ void MacBackend::followProcesses() {
         if (!start(selection, source, error))
             Q_EMIT failed(error);
     }
-}
-
-// Runs on the platform's real-time thread. It may not wait, lock, touch a file, call Objective-C or
-// use any member but tapFormat, which does not change while it runs. Receivers of `block` are
-// queued on other threads.
-OSStatus MacBackend::ioProc(AudioObjectID, const AudioTimeStamp*, const AudioBufferList* input,
-                            const AudioTimeStamp* inputTime, AudioBufferList*,
-                            const AudioTimeStamp*, void* clientData) noexcept {
-    auto* backend = static_cast<MacBackend*>(clientData);
-    if (const std::optional<AudioBlock> captured =
-            captureBlock(backend->tapFormat, input, inputTime))
-        Q_EMIT backend->block(*captured);
-    return noErr;
 }
 
 } // namespace

@@ -127,6 +127,40 @@ private Q_SLOTS:
                           "HardwareDestroyProcessTap"_s);
     }
 
+    void aFormatThatChangesIsCapturedAnew() {
+        QVERIFY(start());
+        QSignalSpy failures(backend.get(), &CaptureBackend::failed);
+        auto* timer = backend->findChild<QTimer*>();
+        timer->setInterval(20);
+        QTRY_VERIFY(mac.calls.count(u"tfmt"_s) > 3);
+        QCOMPARE(mac.calls.count(u"AudioDeviceStart"_s), 1);
+        setTapFormat(kAudioFormatFlagIsFloat, 32, 1, 16000); // a headset's call mode
+        QTRY_COMPARE(mac.calls.count(u"AudioDeviceStart"_s), 2);
+        deliver({{1, "1234"_ba}});
+        QCOMPARE(blocks.last().sampleRate, 16000);
+        QVERIFY(timer->isActive() && failures.isEmpty());
+        mac.refusals[u"AudioHardwareCreateProcessTap"_s] = -50;
+        setTapFormat(kAudioFormatFlagIsFloat, 32, 2);
+        QTRY_COMPARE(failures.size(), 1);
+        QVERIFY(!timer->isActive() && failures[0][0].toString().contains(u"(-50)"));
+    }
+
+    void whatMayStillRunKeepsWhatItUses() {
+        for (const auto& [stop, remove] : {std::pair{-50, 0}, {0, -50}, {-50, -50}}) {
+            init();
+            QVERIFY(start());
+            mac.refusals = {{u"AudioDeviceStop"_s, stop},
+                            {u"AudioDeviceDestroyIOProcID"_s, remove}};
+            backend.reset();
+            deliver({{1, "1234"_ba}});
+            QVERIFY(blocks.isEmpty() && mac.faults.isEmpty());
+            QCOMPARE(mac.live.size(), 2);
+            static QSet<void*> inUse; // reachable, so no leak
+            inUse.insert(mac.ioClientData);
+        }
+        mac = {};
+    }
+
     void anApplicationIsFollowedThroughItsProcesses() {
         auto& properties = mac.properties;
         properties[{21, u"pbid"_s}] = u"org.browser"_s;

@@ -145,7 +145,9 @@ OSStatus AudioDeviceCreateIOProcID(AudioObjectID device, AudioDeviceIOProc proce
 }
 
 OSStatus AudioDeviceDestroyIOProcID(AudioObjectID device, AudioDeviceIOProcID id) {
-    return call(__func__, isIo(device, id) && !mac.running, [] {
+    const bool unstoppable = mac.refusals.value(QStringLiteral("AudioDeviceStop")) != noErr;
+    return call(__func__, isIo(device, id) && (!mac.running || unstoppable), [] {
+        mac.running = false;
         mac.ioDevice = 0;
         mac.ioProcedure = nullptr;
     });

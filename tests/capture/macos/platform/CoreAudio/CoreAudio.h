@@ -27,7 +27,7 @@ typedef OSStatus (*AudioDeviceIOProc)(AudioObjectID, const AudioTimeStamp*, cons
     const AudioTimeStamp*, AudioBufferList*, const AudioTimeStamp*, void*);
 typedef AudioDeviceIOProc AudioDeviceIOProcID;
 
-enum : OSStatus { noErr = 0 };
+enum : OSStatus { noErr = 0, kAudioHardwareNotRunningError = 'stop' };
 enum : UInt32 {
     kAudioObjectUnknown = 0, kAudioObjectSystemObject = 1, kAudioObjectPropertyElementMain = 0,
     kAudioObjectPropertyScopeGlobal = 'glob', kAudioObjectPropertyScopeOutput = 'outp',
