@@ -9,10 +9,14 @@ class SettingsStoreTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QCoreApplication::setOrganizationName(u"quorlin-test"_s); }
+    void initTestCase() {
+        QCoreApplication::setOrganizationName(u"Q"_s);
+        QCoreApplication::setApplicationName(u"t"_s);
+    }
     void init() { QSettings().clear(); }
 
     void allSixPreferencesAreKeptAndGarbageBecomesTheDefault() {
+        QVERIFY(QSettings().fileName().endsWith(u"/test-homes/settings_store_test/Q/t.ini"_s));
         const qn::Settings first = qn::loadSettings();
         QVERIFY(first.microphoneEnabled && first.directory.endsWith(u"/Quorlin"_s));
         const QByteArray microphone("\0\xffmic", 5);
