@@ -17,7 +17,8 @@ package_list() {
         librsvg2-bin icnsutils python3 ;;
     Linux-clang) echo clang libclang-rt-dev ;;
     Linux-bench) echo pulseaudio libbenchmark-dev libsqlite3-dev ;;
-    Darwin-build) echo cmake ninja pkgconf qt libsoxr ffmpeg librsvg ;;
+    Darwin-build) # qt would bring a browser engine along
+        echo qtbase qtmultimedia qttranslations libsoxr ffmpeg librsvg cmake ninja pkgconf ;;
     Darwin-test) echo shellcheck ;;
     esac
 }

@@ -1,5 +1,5 @@
-# quorlin_bundle(TARGET): the executable becomes Quorlin.app; building `dmg` completes, signs and
-# packs a copy of it.
+# quorlin_bundle(TARGET): the executable becomes Quorlin.app, signed ad hoc; building `dmg` completes,
+# signs and packs a copy of it.
 set(quorlin_packaging ${CMAKE_CURRENT_LIST_DIR})
 
 function(quorlin_bundle target)
@@ -16,8 +16,19 @@ function(quorlin_bundle target)
     OUTPUT_NAME Quorlin
     MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_BINARY_DIR}/Info.plist)
 
+  # What the signature covers, and what makes it.
+  set(finish ${quorlin_packaging}/finish-bundle ${quorlin_packaging}/Quorlin.entitlements)
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS
+    ${icon} ${CMAKE_CURRENT_BINARY_DIR}/Info.plist ${finish})
+  set(symbol)
+  if(Qt6_VERSION VERSION_GREATER_EQUAL 6.5) # the first that asks for permissions
+    set(symbol QDarwinMicrophonePermissionRequest)
+  endif()
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${finish} $<TARGET_BUNDLE_DIR:${target}> ${symbol} VERBATIM)
+
   add_custom_target(dmg
     COMMAND ${quorlin_packaging}/package $<TARGET_BUNDLE_DIR:${target}>
-      ${PROJECT_BINARY_DIR}/Quorlin-${PROJECT_VERSION}.dmg
+      ${PROJECT_BINARY_DIR}/Quorlin-${PROJECT_VERSION}.dmg $<TARGET_FILE:Qt6::qmake>
     DEPENDS ${target} USES_TERMINAL VERBATIM)
 endfunction()

@@ -11,8 +11,13 @@ build, packaging, drawing = (Path(argument) for argument in sys.argv[1:])
 # The permissions to record hang on the identifier; macOS shows what is asked for in these words.
 facts = plistlib.loads((build / "Info.plist").read_bytes())
 assert facts["CFBundleIdentifier"] == "org.quorlin.Quorlin", facts
-for key in ("NSAudioCaptureUsageDescription", "NSMicrophoneUsageDescription"):
-    assert re.search("[а-я]{5}", facts[key]), facts
+for subject in ("AudioCapture", "Microphone", "DocumentsFolder", "DesktopFolder", "DownloadsFolder",
+                "RemovableVolumes", "NetworkVolumes"):
+    assert re.search("[а-я]{5}", facts[f"NS{subject}UsageDescription"]), subject
+assert facts["LSAppNapIsDisabled"] is True and facts["CFBundleLocalizations"] == ["ru"], facts
+if sys.platform == "darwin":
+    subprocess.run(["plutil", "-lint", build / "Info.plist", packaging / "Quorlin.entitlements"],
+                   check=True)
 
 subprocess.run([packaging / "render-icon", drawing, build / "Quorlin.icns"], check=True)
 icns = (build / "Quorlin.icns").read_bytes()
