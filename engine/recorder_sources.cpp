@@ -1,11 +1,6 @@
 #include "capture/capture_backend.h"
-#include "engine/microphone_samples.h"
-#include "engine/paced_microphone.h"
+#include "capture/microphone.h"
 #include "engine/recorder_worker.h"
-
-#include <QAudioSource>
-#include <QIODevice>
-#include <QMediaDevices>
 
 #include <algorithm>
 #include <utility>
@@ -13,11 +8,11 @@
 namespace qn {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 kMicrophoneBufferUs = 100'000;
-constexpr qsizetype kLeastMicrophoneBuffer = 4096; // bytes
+constexpr auto kLongestMicrophoneSilence = 2s; // without a block, not without a sound
 
 QString displayName(const QList<SourceEntry>& entries, const QString& id) {
     const auto last = std::find_if(entries.rbegin(), entries.rend(),
@@ -27,7 +22,7 @@ QString displayName(const QList<SourceEntry>& entries, const QString& id) {
 
 } // namespace
 
-void RecorderWorker::openBackend() {
+void RecorderWorker::openBackends() {
     backend = makeCaptureBackend();
     connect(backend.get(), &CaptureBackend::block, this, [this](const AudioBlock& block) {
         if (state == State::Recording)
@@ -38,6 +33,10 @@ void RecorderWorker::openBackend() {
         activeSource.clear();
         warning(message);
     });
+    microphone = makeMicrophoneBackend();
+    connect(microphone.get(), &MicrophoneBackend::block, this,
+            &RecorderWorker::microphoneDelivered);
+    connect(microphone.get(), &MicrophoneBackend::failed, this, &RecorderWorker::microphoneLost);
 }
 
 void RecorderWorker::refreshSources() {
@@ -87,84 +86,69 @@ void RecorderWorker::announceFarSide(const QString& previous, const Selection& s
 void RecorderWorker::refreshMicrophone() {
     if (!settings.microphoneEnabled)
         return;
-    if (!microphone || chosenMicrophone().id() != microphoneId)
-        startMicrophone();
-}
-
-// The chosen device while it is connected, the default one otherwise; null when there is none.
-QAudioDevice RecorderWorker::chosenMicrophone() const {
-    QAudioDevice device = QMediaDevices::defaultAudioInput();
-    if (settings.microphoneId.isEmpty())
-        return device;
-    const QList<QAudioDevice> inputs = QMediaDevices::audioInputs();
-    for (const QAudioDevice& input : inputs) {
-        if (input.id() == settings.microphoneId)
-            device = input;
+    const MicrophoneList list = microphone->list();
+    const MicrophoneEntry* wanted = resolveMicrophone(settings.microphoneId, list);
+    if (!microphoneId.isEmpty() &&
+        Clock::now() - lastMicrophoneBlock >= kLongestMicrophoneSilence) {
+        microphoneLost();
+        closeMicrophone();
+        microphoneUnheard = true;
     }
-    return device;
+    if (microphoneId.isEmpty() || !wanted || wanted->id != microphoneId)
+        startMicrophone(wanted);
 }
 
-void RecorderWorker::startMicrophone() {
-    readMicrophone();
-    if (state != State::Recording)
-        return;
+void RecorderWorker::startMicrophone(const MicrophoneEntry* wanted) {
     closeMicrophone();
-    const QAudioDevice device = chosenMicrophone();
-    if (device.isNull()) {
+    if (state != State::Recording) // an error in what it still held has ended the session
+        return;
+    if (!wanted) {
         warning(u"Микрофон недоступен — ожидаем подключения"_s);
         return;
     }
-    microphoneFormat = device.preferredFormat();
-    microphone = std::make_unique<QAudioSource>(device, microphoneFormat);
-    microphone->setBufferSize(std::max<qsizetype>(
-        microphoneFormat.bytesForDuration(kMicrophoneBufferUs), kLeastMicrophoneBuffer));
-    connect(microphone.get(), &QAudioSource::stateChanged, this, [this](QAudio::State newState) {
-        if (newState != QAudio::StoppedState || microphone->error() == QAudio::NoError ||
-            state != State::Recording)
-            return;
-        warning(u"Микрофон отключился — выбираем доступный микрофон"_s);
-        microphoneId.clear();
-    });
-    microphoneDevice = microphone->start();
-    if (!microphoneDevice) {
-        closeMicrophone();
+    QString error;
+    if (!microphone->start(wanted->id, error)) {
         warning(u"Не удалось открыть микрофон"_s);
         return;
     }
-    microphoneId = device.id();
-#ifdef Q_OS_LINUX // elsewhere readyRead comes with the data
-    microphoneDevice = new PacedMicrophone(*microphoneDevice, microphoneFormat); // its child
-#endif
-    connect(microphoneDevice, &QIODevice::readyRead, this, &RecorderWorker::readMicrophone);
-    announceMicrophone(device);
+    lastMicrophoneBlock = Clock::now();
+    microphoneId = wanted->id;
+    // A microphone that is opened in vain again and again is announced when it speaks.
+    microphoneUnheard = microphoneUnheard && microphoneName == wanted->name;
+    microphoneName = wanted->name;
+    if (!microphoneUnheard)
+        announceMicrophone();
 }
 
-void RecorderWorker::announceMicrophone(const QAudioDevice& device) {
+void RecorderWorker::announceMicrophone() {
     const bool fallback = !settings.microphoneId.isEmpty() && settings.microphoneId != microphoneId;
-    Q_EMIT sourceChanged(u"Микрофон: "_s + device.description(),
-                         {{u"microphone"_s, device.description()},
+    Q_EMIT sourceChanged(u"Микрофон: "_s + microphoneName,
+                         {{u"microphone"_s, microphoneName},
                           {u"id"_s, QString::fromUtf8(microphoneId)},
                           {u"fallback"_s, fallback}});
 }
 
+// Takes what it still holds.
 void RecorderWorker::closeMicrophone() {
-    if (microphone) {
-        microphone->disconnect(this);
+    if (microphone)
         microphone->stop();
-        microphone.release()->deleteLater(); // this may be inside a signal of its own
-    }
-    microphoneDevice.clear();
     microphoneId.clear();
-    microphoneBuffer.clear();
 }
 
-void RecorderWorker::readMicrophone() {
-    if (!microphoneDevice || state != State::Recording)
+void RecorderWorker::microphoneDelivered(const AudioBlock& block) {
+    if (state != State::Recording)
         return;
-    microphoneBuffer += microphoneDevice->readAll();
-    const AudioBlock block = takeMicrophoneBlock(microphoneBuffer, microphoneFormat, steadyNowNs());
-    if (!block.samples.isEmpty())
-        push(TimelineMixer::kMicrophone, block);
+    lastMicrophoneBlock = Clock::now();
+    if (std::exchange(microphoneUnheard, false))
+        announceMicrophone();
+    push(TimelineMixer::kMicrophone, block);
+}
+
+void RecorderWorker::microphoneLost() {
+    if (state != State::Recording)
+        return;
+    warning(u"Микрофон отключился — выбираем доступный микрофон"_s);
+    microphoneId.clear();
 }
 
 void RecorderWorker::warning(const QString& text) {

@@ -1,10 +1,10 @@
 #include "engine/recorder_worker.h"
 
 #include "capture/capture_backend.h"
+#include "capture/microphone.h"
 #include "engine/encoder.h"
 #include "engine/timeline_rate.h"
 
-#include <QAudioSource>
 #include <QFile>
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -67,7 +67,7 @@ void RecorderWorker::begin(const Settings& newSettings, const QString& newPartPa
         finish(error);
         return;
     }
-    openBackend();
+    openBackends();
     restartTimeline();
     lastProgress = lastRefresh = sessionStart;
     setState(State::Recording);
@@ -215,7 +215,7 @@ void RecorderWorker::finish(const QString& error) {
 }
 
 void RecorderWorker::drain() {
-    readMicrophone();
+    closeMicrophone();
     if (state == State::Recording) // an error may have ended the session
         render(true);
 }
@@ -228,6 +228,7 @@ QString RecorderWorker::keepFile() {
 
 void RecorderWorker::stopDevices() {
     closeMicrophone();
+    microphoneUnheard = false;
     if (backend)
         backend->stop();
     activeSource.clear();

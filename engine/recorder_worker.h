@@ -4,28 +4,25 @@
 #include "core/state.h"
 #include "engine/timeline_mixer.h"
 
-#include <QAudioDevice>
-#include <QAudioFormat>
 #include <QByteArray>
 #include <QDateTime>
 #include <QJsonObject>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 
 #include <chrono>
 #include <memory>
 
-class QAudioSource;
-class QIODevice;
 class QTimer;
 
 namespace qn {
 
 class CaptureBackend;
 class Encoder;
+class MicrophoneBackend;
 struct AudioBlock;
 struct Catalog;
+struct MicrophoneEntry;
 struct Selection;
 
 // Runs one recording at a time: far side and microphone through the mixer into the encoder. Lives
@@ -73,17 +70,17 @@ private:
     void restartTimeline();
     qint64 samplesWritten() const;
 
-    void openBackend();
+    void openBackends();
     void refreshSources();
     void refreshFarSide();
     void refreshMicrophone();
     void announceFarSide(const QString& previous, const Selection& selection,
                          const Catalog& catalog);
-    QAudioDevice chosenMicrophone() const;
-    void startMicrophone();
-    void announceMicrophone(const QAudioDevice& device);
+    void startMicrophone(const MicrophoneEntry* wanted);
+    void announceMicrophone();
     void closeMicrophone();
-    void readMicrophone();
+    void microphoneDelivered(const AudioBlock& block);
+    void microphoneLost();
     void warning(const QString& text);
 
     State state = State::Idle;
@@ -91,20 +88,21 @@ private:
     QString partPath;
     QString activeSource; // far-side id being captured; empty when none is open
     QString lastWarning;
-    QString pendingError;        // arrived while finish was running
-    QByteArray microphoneId;     // empty when no microphone is open
-    QByteArray microphoneBuffer; // bytes of an incomplete frame
+    QString pendingError;    // arrived while finish was running
+    QByteArray microphoneId; // empty when no microphone is open
+    QString microphoneName;  // of the one opened last
     std::unique_ptr<CaptureBackend> backend;
-    std::unique_ptr<QAudioSource> microphone;
+    // Kept until the next recording: one may end inside its signals.
+    std::unique_ptr<MicrophoneBackend> microphone;
     std::unique_ptr<Encoder> encoder;
-    QPointer<QIODevice> microphoneDevice; // the open microphone's, which may delete it on failure
-    QAudioFormat microphoneFormat;
     QTimer* timer = nullptr;
     TimelineMixer mixer;
     Clock::time_point sessionStart; // of the segment since the last pause; the mixer's origin
     qint64 accumulatedSamples = 0;  // of the segments that ended with a pause
     Clock::time_point lastRefresh;
     Clock::time_point lastProgress;
+    Clock::time_point lastMicrophoneBlock; // or when it was opened
+    bool microphoneUnheard = false;        // opened anew after a silence, and still silent
     bool finishing = false;
 };
 

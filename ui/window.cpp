@@ -15,14 +15,12 @@
 #include "ui/recording/recording_panel.h"
 #include "ui/settings/settings_dialog.h"
 
-#include <QAudioDevice>
 #include <QCoreApplication>
 #include <QDir>
 #include <QEvent>
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMediaDevices>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
@@ -49,20 +47,13 @@ constexpr int kDetailsHeight = 110; // px
 constexpr auto kCatalogInterval = 3000ms;
 constexpr float kPlaybackVolume = 0.8F;
 
-QList<MicrophoneEntry> listMicrophones() {
-    QList<MicrophoneEntry> entries;
-    const QList<QAudioDevice> inputs = QMediaDevices::audioInputs();
-    for (const QAudioDevice& device : inputs)
-        entries.append({device.id(), device.description()});
-    return entries;
-}
-
 } // namespace
 
 Window::Window(const QString& dataDirectory)
     : library(std::make_unique<Library>(QDir(dataDirectory).filePath(u"library.sqlite3"_s))),
       writer(std::make_unique<LibraryWriter>(*library)),
       backend(makeCaptureBackend()),
+      microphones(makeMicrophoneBackend()),
       settings(loadSettings()) {
     library->markInterrupted();
     setWindowTitle(u"Quorlin"_s);
@@ -206,7 +197,7 @@ void Window::bindShortcuts() {
 void Window::refreshCatalog() {
     const QScopedValueRollback refilling(populating, true);
     catalog = backend->catalog();
-    settingsDialog->showSources(settings, catalog, listMicrophones());
+    settingsDialog->showSources(settings, catalog, microphones->list().entries);
 }
 
 void Window::changeSourceKind(int kind) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/capture_backend.h"
+#include "capture/microphone.h"
 #include "core/recording.h"
 #include "core/settings.h"
 #include "core/state.h"
@@ -117,8 +118,9 @@ private:
     void libraryRefused(const QString& reason);
 
     std::unique_ptr<Library> library;
-    std::unique_ptr<LibraryWriter> writer;   // for what may have to wait for the library
-    std::unique_ptr<CaptureBackend> backend; // lists sources only
+    std::unique_ptr<LibraryWriter> writer;          // for what may have to wait for the library
+    std::unique_ptr<CaptureBackend> backend;        // lists sources only
+    std::unique_ptr<MicrophoneBackend> microphones; // lists them only
     Settings settings;
     Catalog catalog;
     QThread workerThread;

@@ -75,7 +75,7 @@ void ApplicationCapture::follow(const ServerSnapshot& snapshot) {
 }
 
 void ApplicationCapture::open(const InputFacts& input, const ServerSnapshot& snapshot) {
-    const SinkFacts* played = findSink(snapshot, input.sink);
+    const DeviceFacts* played = findDevice(snapshot.sinks, input.sink);
     if (!played)
         return;
     const int slot = freeSlot();

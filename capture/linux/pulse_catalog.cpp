@@ -39,7 +39,7 @@ QString applicationOf(const ProgramFacts& program, const QString& ownProcessId) 
 
 Catalog catalogOf(const ServerSnapshot& snapshot, const QString& ownProcessId) {
     Catalog catalog;
-    for (const SinkFacts& sink : snapshot.sinks) {
+    for (const DeviceFacts& sink : snapshot.sinks) {
         if (isUsableId(sink.name))
             catalog.outputs.append({sink.name, oneLine(sink.description)});
     }
@@ -52,6 +52,24 @@ Catalog catalogOf(const ServerSnapshot& snapshot, const QString& ownProcessId) {
             catalog.applications.append({id, oneLine(programName(program))});
     }
     return catalog;
+}
+
+MicrophoneList microphonesOf(const ServerSnapshot& snapshot) {
+    const auto isMicrophone = [](const DeviceFacts& source) { return !source.isMonitor; };
+    const DeviceFacts* defaultSink = findDevice(snapshot.sinks, snapshot.defaultSink);
+    const bool isFallback =
+        defaultSink && defaultSink->source == snapshot.defaultSource.toUtf8() &&
+        std::none_of(snapshot.sources.begin(), snapshot.sources.end(), isMicrophone);
+    MicrophoneList list;
+    for (const DeviceFacts& source : snapshot.sources) {
+        const bool isDefault = source.name == snapshot.defaultSource && !isFallback;
+        if (!isUsableId(source.name) || !(isMicrophone(source) || isDefault))
+            continue;
+        list.entries.append({source.name.toUtf8(), oneLine(source.description)});
+        if (isDefault)
+            list.defaultId = source.name.toUtf8();
+    }
+    return list;
 }
 
 QList<InputFacts> inputsOf(const ServerSnapshot& snapshot, const QString& applicationId,

@@ -7,6 +7,16 @@
 
 namespace qn {
 
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto kAnswerPatience = 350ms;
+constexpr auto kOpenPatience = 600ms;
+constexpr auto kNoPatience = 50ms; // with a server that has just failed to answer
+
+} // namespace
+
 PulseConnection::Lock::Lock(const PulseConnection& connection) : loop(connection.loop.get()) {
     pa_threaded_mainloop_lock(loop);
 }
@@ -15,8 +25,29 @@ PulseConnection::Lock::~Lock() {
     pa_threaded_mainloop_unlock(loop);
 }
 
-PulseConnection::PulseConnection(std::function<void()> whenLost)
-    : lost(std::move(whenLost)), loop(pa_threaded_mainloop_new()) {
+PulseConnection::Watch::Watch(PulseConnection& watched, std::function<void()> whenLost,
+                              std::function<void()> whenRefreshed)
+    : connection(watched), lost(std::move(whenLost)), refreshed(std::move(whenRefreshed)) {
+    const Lock lock(connection);
+    connection.watches.push_back(this);
+}
+
+PulseConnection::Watch::~Watch() {
+    const Lock lock(connection);
+    connection.watches.remove(this);
+}
+
+std::shared_ptr<PulseConnection> PulseConnection::ofThisThread() {
+    thread_local std::weak_ptr<PulseConnection> shared;
+    std::shared_ptr<PulseConnection> connection = shared.lock();
+    if (!connection) {
+        connection = std::make_shared<PulseConnection>();
+        shared = connection;
+    }
+    return connection;
+}
+
+PulseConnection::PulseConnection() : loop(pa_threaded_mainloop_new()) {
     pa_threaded_mainloop_set_name(loop.get(), "quorlin-pulse");
     pa_threaded_mainloop_start(loop.get());
 }
@@ -32,6 +63,19 @@ PulseConnection::~PulseConnection() {
 
 pa_context* PulseConnection::readyContext() const {
     return context && context->isReady() ? context->get() : nullptr;
+}
+
+PulseConnection::Clock::time_point
+PulseConnection::deadlineAfter(std::chrono::milliseconds patience) const {
+    return Clock::now() + (isUnresponsive ? kNoPatience : patience);
+}
+
+PulseConnection::Clock::time_point PulseConnection::answerDeadline() const {
+    return deadlineAfter(kAnswerPatience);
+}
+
+PulseConnection::Clock::time_point PulseConnection::openDeadline() const {
+    return deadlineAfter(kOpenPatience);
 }
 
 bool PulseConnection::refresh(Clock::time_point deadline) {
@@ -53,8 +97,10 @@ void PulseConnection::contextChanged() {
     if (context->isFailed()) {
         query.reset();
         known = {};
-        if (std::exchange(wasReady, false))
-            lost();
+        if (std::exchange(wasReady, false)) {
+            for (const Watch* watch : watches)
+                watch->lost();
+        }
     }
     wake();
 }
@@ -67,8 +113,11 @@ bool PulseConnection::ask(Clock::time_point deadline) {
     isFresh = false;
     query = std::make_unique<ServerQuery>(context->get(), [this](auto answer) {
         isFresh = answer.has_value();
-        if (isFresh)
+        if (isFresh) {
             known = std::move(*answer);
+            for (const Watch* watch : watches)
+                watch->refreshed();
+        }
         query.reset();
         wake();
     });

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <functional>
+#include <list>
 #include <memory>
 
 namespace qn {
@@ -29,11 +30,36 @@ public:
         pa_threaded_mainloop* loop;
     };
 
-    // `whenLost` is called when a ready connection is gone.
-    explicit PulseConnection(std::function<void()> whenLost);
+    // While it lives, its functions are called on the client library's thread.
+    class Watch {
+    public:
+        // `lost`: a ready connection is gone. `refreshed`: the snapshot is new.
+        Watch(PulseConnection& watched, std::function<void()> lost,
+              std::function<void()> refreshed);
+        Watch(const Watch&) = delete;
+        Watch& operator=(const Watch&) = delete;
+        ~Watch();
+
+    private:
+        friend class PulseConnection;
+        PulseConnection& connection;
+        std::function<void()> lost;
+        std::function<void()> refreshed;
+    };
+
+    // Shared by all that capture on the calling thread, so that they have one client thread.
+    static std::shared_ptr<PulseConnection> ofThisThread();
+
+    PulseConnection();
     PulseConnection(const PulseConnection&) = delete;
     PulseConnection& operator=(const PulseConnection&) = delete;
     ~PulseConnection();
+
+    // How long to wait for the server to answer, and for a stream to open with all it takes. The
+    // recorder looks at the far side and at the microphone in a row, and has to react to its user
+    // within 2 s.
+    Clock::time_point answerDeadline() const;
+    Clock::time_point openDeadline() const;
 
     // Brings the snapshot up to date; false when the server did not answer in time.
     bool refresh(Clock::time_point deadline);
@@ -56,11 +82,12 @@ public:
     void wake() { pa_threaded_mainloop_signal(loop.get(), 0); }
 
 private:
+    Clock::time_point deadlineAfter(std::chrono::milliseconds patience) const;
     bool connect(Clock::time_point deadline);
     void contextChanged();
     bool ask(Clock::time_point deadline);
 
-    std::function<void()> lost;
+    std::list<Watch*> watches;
     PulseHandle<pa_threaded_mainloop> loop;
     std::unique_ptr<PulseContext> context;
     std::unique_ptr<ServerQuery> query; // unanswered

@@ -9,17 +9,20 @@ namespace qn {
 
 namespace {
 
-pa_sample_spec floatSpec(const SinkFacts& sink) {
-    return {PA_SAMPLE_FLOAT32NE, std::max<quint32>(sink.spec.rate, kLowestRate),
-            sink.spec.channels};
+// Below 12 kHz the mixer's resampler delivers in bursts that are longer than a block may be off.
+constexpr quint32 kLowestStreamRate = 16000;
+
+pa_sample_spec floatSpec(const DeviceFacts& device) {
+    return {PA_SAMPLE_FLOAT32NE, std::max(device.spec.rate, kLowestStreamRate),
+            device.spec.channels};
 }
 
 AudioBlock blockFormat(const RecordTarget& target) {
-    const pa_sample_spec spec = floatSpec(target.sink);
+    const pa_sample_spec spec = floatSpec(target.device);
     AudioBlock format;
     format.sampleRate = static_cast<qint32>(spec.rate);
     format.channels = spec.channels;
-    format.channelMask = waveOrder(target.sink.map).mask;
+    format.channelMask = waveOrder(target.device.map).mask;
     format.sourceKey = target.sourceKey;
     return format;
 }
@@ -44,8 +47,8 @@ void RecordStream::contextChanged() {
 }
 
 void RecordStream::connect() {
-    const pa_sample_spec spec = floatSpec(target.sink);
-    const pa_channel_map map = waveOrder(target.sink.map).map;
+    const pa_sample_spec spec = floatSpec(target.device);
+    const pa_channel_map map = waveOrder(target.device.map).map;
     stream.reset(pa_stream_new(context.get(), "Quorlin", &spec, &map));
     if (!stream) {
         breakDown();
@@ -62,7 +65,7 @@ void RecordStream::connect() {
     // DONT_MOVE: else the server goes on with some other source, a microphone even.
     constexpr auto kFlags =
         static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
-    if (pa_stream_connect_record(stream.get(), target.sink.monitor.constData(), &attributes,
+    if (pa_stream_connect_record(stream.get(), target.device.source.constData(), &attributes,
                                  kFlags) < 0)
         breakDown();
 }
@@ -98,6 +101,12 @@ void RecordStream::read() {
         builder.add(static_cast<const float*>(data), frames, steadyNowNs()); // a hole has no data
         pa_stream_drop(stream.get());
     }
+}
+
+void RecordStream::flush() {
+    if (isRunning())
+        read();
+    builder.flush();
 }
 
 void RecordStream::breakDown() {

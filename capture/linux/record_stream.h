@@ -10,14 +10,14 @@
 namespace qn {
 
 struct RecordTarget {
-    SinkFacts sink;
+    DeviceFacts device;
     quint32 input; // only this stream of those that the sink plays, or PA_INVALID_INDEX
     QString sourceKey;
 };
 
-// One recording of what a sink, or one stream on it, plays. It never moves to another source: it
-// breaks instead, for good. It has a connection of its own, because PipeWire's server delivers
-// only the first of a client's recordings in time. Used under the main loop's lock.
+// One recording of a microphone, or of what a sink, or one stream on it, plays. It never moves to
+// another source: it breaks instead, for good. It has a connection of its own, because PipeWire's
+// server delivers only the first of a client's recordings in time. Used under the main loop's lock.
 class RecordStream {
 public:
     // Both come on the main loop's thread, never from within a call here.
@@ -34,6 +34,9 @@ public:
     bool isRunning() const;
     bool isBroken() const { return broken || context.isFailed(); }
     bool hasLostServer() const { return context.isFailed(); }
+
+    // Hands out all that has come so far, when no more is wanted.
+    void flush();
 
 private:
     void contextChanged();

@@ -26,15 +26,16 @@ private:
     static void take(void* query, const Info* info, int end, Add add);
     static void takeServer(pa_context*, const pa_server_info* info, void* query);
     static void takeSink(pa_context*, const pa_sink_info* info, int end, void* query);
+    static void takeSource(pa_context*, const pa_source_info* info, int end, void* query);
     static void takeClient(pa_context*, const pa_client_info* info, int end, void* query);
     static void takeInput(pa_context*, const pa_sink_input_info* info, int end, void* query);
     void answered(bool complete);
 
     ServerSnapshot snapshot;
     Done done;
-    int awaited = 4;
+    int awaited = 5;
     bool isComplete = true;
-    std::array<PulseHandle<pa_operation>, 4> operations;
+    std::array<PulseHandle<pa_operation>, 5> operations;
 };
 
 } // namespace qn

@@ -7,9 +7,9 @@ namespace qn {
 namespace {
 
 template <typename Matches>
-const SinkFacts* findSinkIf(const ServerSnapshot& snapshot, Matches matches) {
-    const auto found = std::find_if(snapshot.sinks.begin(), snapshot.sinks.end(), matches);
-    return found == snapshot.sinks.end() ? nullptr : &*found;
+const DeviceFacts* findDeviceIf(const QList<DeviceFacts>& devices, Matches matches) {
+    const auto found = std::find_if(devices.begin(), devices.end(), matches);
+    return found == devices.end() ? nullptr : &*found;
 }
 
 } // namespace
@@ -23,12 +23,12 @@ ProgramFacts programFacts(const pa_proplist* properties) {
             text(PA_PROP_APPLICATION_PROCESS_ID)};
 }
 
-const SinkFacts* findSink(const ServerSnapshot& snapshot, const QString& name) {
-    return findSinkIf(snapshot, [&](const SinkFacts& sink) { return sink.name == name; });
+const DeviceFacts* findDevice(const QList<DeviceFacts>& devices, const QString& name) {
+    return findDeviceIf(devices, [&](const DeviceFacts& device) { return device.name == name; });
 }
 
-const SinkFacts* findSink(const ServerSnapshot& snapshot, quint32 index) {
-    return findSinkIf(snapshot, [&](const SinkFacts& sink) { return sink.index == index; });
+const DeviceFacts* findDevice(const QList<DeviceFacts>& devices, quint32 index) {
+    return findDeviceIf(devices, [&](const DeviceFacts& device) { return device.index == index; });
 }
 
 } // namespace qn

@@ -22,13 +22,15 @@ struct ProgramFacts {
 
 ProgramFacts programFacts(const pa_proplist* properties);
 
-struct SinkFacts {
+// A sink or a source that can be recorded: its spec is valid and fits its map.
+struct DeviceFacts {
     quint32 index = 0; // changes whenever the device comes back
     QString name;      // stable
     QString description;
-    QByteArray monitor; // name of the source that repeats what the sink plays
+    QByteArray source; // to record from: a sink's monitor, or the source itself
     pa_sample_spec spec{};
     pa_channel_map map{};
+    bool isMonitor = false; // a source that repeats what a sink plays
 };
 
 // A stream that some program plays.
@@ -42,13 +44,15 @@ struct InputFacts {
 // The server's lists at one moment, in its order.
 struct ServerSnapshot {
     QString defaultSink;
-    QList<SinkFacts> sinks;
+    QString defaultSource;
+    QList<DeviceFacts> sinks;
+    QList<DeviceFacts> sources;
     QHash<quint32, ProgramFacts> clients;
     QList<InputFacts> inputs;
 };
 
-// Null when there is no such sink.
-const SinkFacts* findSink(const ServerSnapshot& snapshot, const QString& name);
-const SinkFacts* findSink(const ServerSnapshot& snapshot, quint32 index);
+// Null when there is no such device.
+const DeviceFacts* findDevice(const QList<DeviceFacts>& devices, const QString& name);
+const DeviceFacts* findDevice(const QList<DeviceFacts>& devices, quint32 index);
 
 } // namespace qn

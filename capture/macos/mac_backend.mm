@@ -6,6 +6,7 @@
 #include "capture/macos/process_tap.h"
 #include "capture/macos/running_applications.h"
 #include "capture/macos/sample_conversion.h"
+#include "capture/qt_microphone.h"
 
 #include <QSet>
 #include <QTimer>
@@ -193,6 +194,10 @@ void MacBackend::followChanges() {
 
 std::unique_ptr<CaptureBackend> makeCaptureBackend() {
     return std::make_unique<MacBackend>();
+}
+
+std::unique_ptr<MicrophoneBackend> makeMicrophoneBackend() {
+    return makeQtMicrophone();
 }
 
 } // namespace qn

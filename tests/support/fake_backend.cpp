@@ -30,6 +30,36 @@ public:
     void stop() override { FakePlatform::instance().capturing.removeOne(this); }
 };
 
+class FakeMicrophone : public MicrophoneBackend {
+public:
+    FakeMicrophone() { ++FakePlatform::instance().alive; }
+    ~FakeMicrophone() override {
+        FakePlatform::instance().listening.removeOne(this);
+        --FakePlatform::instance().alive;
+    }
+
+    MicrophoneList list() const override { return FakePlatform::instance().microphones; }
+
+    bool start(const QByteArray& id, QString& error) override {
+        stop();
+        error = FakePlatform::instance().startError;
+        if (!error.isEmpty())
+            return false;
+        FakePlatform::instance().started.append(QString::fromUtf8(id));
+        FakePlatform::instance().listening.append(this);
+        return true;
+    }
+
+    void stop() override {
+        if (!FakePlatform::instance().listening.removeOne(this))
+            return;
+        AudioBlock held;
+        held.samples.fill(FakePlatform::instance().microphoneLast, 480);
+        held.timestampNs = steadyNowNs() - 10'000'000;
+        Q_EMIT block(held);
+    }
+};
+
 } // namespace
 
 FakePlatform& FakePlatform::instance() {
@@ -47,6 +77,11 @@ void playTone() {
         block.samples.append(0.5F * std::sin(0.06F * static_cast<float>(i)));
     for (CaptureBackend* backend : QList(FakePlatform::instance().capturing))
         Q_EMIT backend->block(block);
+    block.samples.fill(0);
+    for (MicrophoneBackend* microphone : QList(FakePlatform::instance().listening)) {
+        if (FakePlatform::instance().microphoneDelivers)
+            Q_EMIT microphone->block(block);
+    }
 }
 
 void breakDown(const QString& message) {
@@ -60,4 +95,8 @@ void breakDown(const QString& message) {
 
 std::unique_ptr<qn::CaptureBackend> qn::makeCaptureBackend() {
     return std::make_unique<testing::FakeBackend>();
+}
+
+std::unique_ptr<qn::MicrophoneBackend> qn::makeMicrophoneBackend() {
+    return std::make_unique<testing::FakeMicrophone>();
 }

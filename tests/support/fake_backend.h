@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/capture_backend.h"
+#include "capture/microphone.h"
 
 #include <QStringList>
 
@@ -8,17 +9,21 @@ namespace qn::testing {
 
 using namespace Qt::StringLiterals;
 
-// Knobs and observations of the backends that makeCaptureBackend hands out in a test program.
-// The test sets the knobs while no session runs.
+// Knobs and observations of the backends that the factories hand out in a test program. The test
+// sets the knobs while no session runs.
 struct FakePlatform {
     Catalog catalog{{{u"card"_s, u"Карта"_s}, {u"speakers"_s, u"Колонки"_s}},
                     {{u"app"_s, u"Звонилка"_s}},
                     u"speakers"_s};
     QString startError; // non-empty: every start fails with it
+    MicrophoneList microphones{{{"webcam", u"Камера"_s}, {"headset", u"Гарнитура"_s}}, "headset"};
+    bool microphoneDelivers = true; // silence, with every call of playTone
+    float microphoneLast = 0;       // peak of the 10 ms that it still holds when it is stopped
 
-    QStringList started; // ids, in order
-    int alive = 0;       // backends that exist
+    QStringList started; // ids, in order; microphones' too
+    int alive = 0;       // backends that exist, microphones' too
     QList<CaptureBackend*> capturing;
+    QList<MicrophoneBackend*> listening;
 
     static FakePlatform& instance();
 };

@@ -18,7 +18,7 @@ SoundServer::SoundServer(Kind chosenKind) : kind(chosenKind) {
 }
 
 SoundServer::~SoundServer() {
-    for (const auto& player : players) {
+    for (const auto& player : programs) {
         player->kill();
         player->waitForFinished();
     }
@@ -51,7 +51,7 @@ void SoundServer::signal(int number) {
 }
 
 QProcess& SoundServer::play(const QString& program, float peak, const QString& options) {
-    const QString path = home.filePath(QString::number(players.size()));
+    const QString path = home.filePath(QString::number(programs.size()));
     std::ofstream tone(path.toStdString());
     for (int i = 0; i < 48000 * 30; ++i) {
         const float sample = peak * std::sin(0.06F * static_cast<float>(i));
@@ -60,9 +60,14 @@ QProcess& SoundServer::play(const QString& program, float peak, const QString& o
     const QString command =
         u"--playback --raw --format=float32ne --rate=48000 --channels=1 --latency-msec=50 %1 "
         "--property=application.process.binary=%2 --property=application.name=%2 %3"_s;
-    auto& player = players.emplace_back(std::make_unique<QProcess>());
-    player->start(u"pacat"_s, command.arg(path, program, options).split(u' ', Qt::SkipEmptyParts));
-    return *player;
+    return run(u"pacat "_s + command.arg(path, program, options));
+}
+
+QProcess& SoundServer::run(const QString& command) {
+    QStringList words = command.split(u' ', Qt::SkipEmptyParts);
+    auto& program = programs.emplace_back(std::make_unique<QProcess>());
+    program->start(words.takeFirst(), words);
+    return *program;
 }
 
 QString SoundServer::control(const QString& arguments) {
@@ -75,6 +80,29 @@ QString SoundServer::control(const QString& arguments) {
 QString SoundServer::addSink(const QString& name) {
     // With rewinds PulseAudio renders up to 2 s ahead.
     return control(u"load-module module-null-sink rate=48000 norewinds=1 sink_name="_s + name);
+}
+
+QString SoundServer::addMicrophone(const QString& name, const QString& format, int rate,
+                                   int channels) {
+    const QString feed = name + QString::number(programs.size());
+    QString module = u"load-module module-%1 source_name=%2 format=%3 rate=%4 channels=%5 "_s;
+    module = module.arg(kind == PulseAudio ? u"remap-source"_s : u"pipe-source"_s, name, format)
+                 .arg(rate)
+                 .arg(channels);
+    if (kind == PulseAudio) { // whose pipe source takes frames apart
+        addSink(feed);
+        play(feed, 0.5F, u"--device="_s + feed);
+        return control(module + u"master=%1.monitor"_s.arg(feed));
+    }
+    const QString pipe = home.filePath(feed);
+    const QString number = control(module + u"file="_s + pipe);
+    const bool isPadded = format == u"s24-32le"_s; // in the lower three bytes of four
+    const QString sine = isPadded ? u"0.5/256*sin(2880*t)"_s : u"0.5*sin(2880*t)"_s;
+    run(u"ffmpeg -v error -f lavfi -i aevalsrc=%1:s=%2 -f %3 -flush_packets 1 -y %4"_s
+            .arg(QStringList(channels, sine).join(u'|'))
+            .arg(rate)
+            .arg(isPadded ? u"s32le"_s : format, pipe));
+    return number;
 }
 
 } // namespace qn::testing

@@ -31,12 +31,17 @@ public:
 
     // The number to unload it by.
     QString addSink(const QString& name);
+    // A microphone of that sample format, which hears a sine of peak 0.5.
+    QString addMicrophone(const QString& name, const QString& format = u"s16le"_s, int rate = 48000,
+                          int channels = 1);
 
 private:
+    QProcess& run(const QString& command);
+
     Kind kind;
     QTemporaryDir home;
     QProcess server;
-    std::vector<std::unique_ptr<QProcess>> players;
+    std::vector<std::unique_ptr<QProcess>> programs;
 };
 
 } // namespace qn::testing

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/catalog.h"
+#include "capture/microphone.h"
 #include "core/settings.h"
 
 #include <QByteArray>
@@ -21,11 +22,6 @@ struct ComboContents {
     QList<ComboItem> items;
     int current = -1;
     bool enabled = true;
-};
-
-struct MicrophoneEntry {
-    QByteArray id;
-    QString name;
 };
 
 // What the source combo offers for the chosen kind; a chosen source that is not there stays listed.

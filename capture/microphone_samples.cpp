@@ -1,4 +1,4 @@
-#include "engine/microphone_samples.h"
+#include "capture/microphone_samples.h"
 
 #include <cstring>
 

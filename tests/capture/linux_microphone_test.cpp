@@ -1,0 +1,155 @@
+#include "capture/microphone.h"
+#include "tests/support/sound_server.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <csignal>
+
+using namespace qn;
+using namespace qn::testing;
+
+class LinuxMicrophoneTest : public QObject {
+    Q_OBJECT
+
+    std::optional<SoundServer> server;
+    std::unique_ptr<MicrophoneBackend> backend;
+    QList<AudioBlock> blocks; // since the last start
+    int failures = 0;
+
+    bool start(const QByteArray& id) {
+        QCoreApplication::processEvents();
+        blocks.clear();
+        failures = 0;
+        QString error;
+        return backend->start(id, error) && error.isEmpty();
+    }
+
+    // The first channel of what came after the start-up.
+    QList<float> heard() const {
+        QList<float> samples;
+        for (const AudioBlock& block : blocks.mid(15)) {
+            for (qsizetype i = 0; i < block.samples.size(); i += block.channels)
+                samples.append(block.samples[i]);
+        }
+        return samples;
+    }
+
+    QString ids() const {
+        const MicrophoneList list = backend->list();
+        QByteArrayList found;
+        for (const MicrophoneEntry& entry : list.entries)
+            found.append((entry.id == list.defaultId ? "*" : "") + entry.id);
+        return QString::fromUtf8(found.join(' '));
+    }
+
+private Q_SLOTS:
+    void initTestCase_data() {
+        qRegisterMetaType<AudioBlock>();
+        QTest::addColumn<SoundServer::Kind>("kind");
+        if (!QStandardPaths::findExecutable(u"pulseaudio"_s).isEmpty())
+            QTest::newRow("PulseAudio") << SoundServer::PulseAudio;
+        QTest::newRow("PipeWire") << SoundServer::PipeWire;
+    }
+
+    void init() {
+        QFETCH_GLOBAL(SoundServer::Kind, kind);
+        server.emplace(kind);
+        backend = makeMicrophoneBackend();
+        connect(backend.get(), &MicrophoneBackend::block, this,
+                [this](const AudioBlock& block) { blocks.append(block); });
+        connect(backend.get(), &MicrophoneBackend::failed, this, [this] { ++failures; });
+    }
+
+    void cleanup() {
+        backend.reset();
+        server.reset();
+    }
+
+    void everyFormatIsRecordedWithoutAGap() {
+        const std::tuple<QString, int, int, int> rows[] = {
+            {u"s16le"_s, 8000, 1, 16000},
+            {u"s24le"_s, 44100, 2, 44100},
+            {u"s24-32le"_s, 96000, 6, 96000},
+        };
+        for (const auto& [format, rate, channels, recordedRate] : rows) {
+            const QString module = server->addMicrophone(u"tested"_s, format, rate, channels);
+            QTRY_VERIFY(start("tested"));
+            QTRY_VERIFY2(blocks.size() > 75, qPrintable(format + QString::number(blocks.size())));
+            QCOMPARE(blocks.last().sampleRate, recordedRate);
+            QCOMPARE(blocks.last().channels, channels);
+            const QList<float> samples = heard();
+            const float peak = *std::max_element(samples.begin(), samples.end());
+            QVERIFY2(qAbs(peak - 0.5F) < 0.02F, qPrintable(format + QString::number(peak)));
+            const auto silent = [](float sample, float) { return qAbs(sample) < 0.01F; };
+            QVERIFY(std::search_n(samples.begin(), samples.end(), recordedRate / 2000, 0, silent) ==
+                    samples.end());
+            backend->stop();
+            server->control(u"unload-module "_s + module);
+        }
+    }
+
+    void theServersDefaultIsTheDefaultAndMonitorsAreNoMicrophones() {
+        QTRY_COMPARE(ids(), QString());
+        server->addMicrophone(u"webcam"_s);
+        server->addMicrophone(u"headset"_s);
+        for (const auto& [chosen, expected] : {
+                 std::pair(u"headset"_s, u"webcam *headset"_s),
+                 std::pair(u"webcam"_s, u"*webcam headset"_s),
+                 std::pair(u"speakers.monitor"_s, u"*speakers.monitor webcam headset"_s),
+             }) {
+            server->control(u"set-default-source "_s + chosen);
+            QTRY_COMPARE(ids(), expected);
+        }
+    }
+
+    void oneThatGoesBreaksAndComesBack() {
+        QString module = server->addMicrophone(u"headset"_s);
+        server->addMicrophone(u"webcam"_s);
+        QTRY_VERIFY(start("headset"));
+        QTRY_VERIFY(blocks.size() > 20);
+        server->control(u"unload-module "_s + module);
+        QTRY_COMPARE(failures, 1);
+        QVERIFY(!start("headset"));
+        module = server->addMicrophone(u"headset"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(start("headset"), 1500);
+        // Back under its name before anyone looks.
+        server->control(u"unload-module "_s + module);
+        server->addMicrophone(u"headset"_s);
+        QTRY_COMPARE(backend->list().entries.size(), 2);
+        QTRY_COMPARE(failures, 1);
+        QTRY_VERIFY(start("headset"));
+        QTRY_VERIFY(blocks.size() > 20);
+    }
+
+    void noServerKeepsAnyoneWaiting() {
+        server->addMicrophone(u"headset"_s);
+        QTRY_VERIFY(start("headset"));
+        QTRY_VERIFY(blocks.size() > 20);
+        const auto all = [this] {
+            QElapsedTimer time;
+            time.start();
+            backend->list();
+            QString error;
+            const bool opened = backend->start("headset", error);
+            backend->stop();
+            return !opened && time.elapsed() < 700;
+        };
+        server->signal(SIGSTOP);
+        QVERIFY(all() && all());
+        server->signal(SIGCONT);
+        QTRY_VERIFY_WITH_TIMEOUT(start("headset"), 1500);
+        server->signal(SIGKILL);
+        QTRY_COMPARE(failures, 1);
+        QVERIFY(all());
+        server->start(); // without the microphone
+        QTRY_COMPARE(ids(), QString());
+        QVERIFY(all());
+        server->addMicrophone(u"headset"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(start("headset"), 1500);
+        QTRY_VERIFY(blocks.size() > 20);
+    }
+};
+
+QTEST_GUILESS_MAIN(LinuxMicrophoneTest)
+#include "linux_microphone_test.moc"
