@@ -4,9 +4,12 @@
 #include "engine/timeline_rate.h"
 #include "engine/tools.h"
 
+#include <QTimer>
+
 #include <utility>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
 #include <unistd.h>
 #endif
 
@@ -19,11 +22,11 @@ namespace {
 constexpr int kStartTimeoutMs = 5'000;
 constexpr int kFinishTimeoutMs = 30'000;
 constexpr int kKillTimeoutMs = 3'000;
+constexpr int kLastWordsMs = 500;
 constexpr qint64 kBytesPerSecond = kTimelineRate * qint64{sizeof(float)};
 constexpr qint64 kMaxQueuedBytes = 10 * kBytesPerSecond;
-constexpr qsizetype kHandOverBytes = kBytesPerSecond / 10; // 100 ms of audio
-constexpr qsizetype kErrorTail = 4'000;                    // characters of ffmpeg's errors shown
-constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20;  // bytes of them kept
+constexpr qsizetype kErrorTail = 4'000;                   // characters of ffmpeg's errors shown
+constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20; // bytes of them kept
 
 QStringList recordingArguments(const QString& path, AudioFormat format, const QDateTime& started) {
     return QStringList{u"-hide_banner"_s,
@@ -48,6 +51,20 @@ QStringList recordingArguments(const QString& path, AudioFormat format, const QD
            codecArguments(format) + QStringList{u"-flush_packets"_s, u"1"_s, path};
 }
 
+#ifdef Q_OS_UNIX
+// Ctrl-C in a terminal goes to its whole process group, and a shutdown's SIGTERM to all that the
+// program started; the encoder must outlive both and get the rest of the audio. It ends with its
+// input. Blocked rather than ignored, because ffmpeg sets handlers of its own.
+void outliveSignals() {
+    ::setsid();
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&signals, number);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+}
+#endif
+
 } // namespace
 
 Encoder::~Encoder() {
@@ -66,16 +83,9 @@ bool Encoder::start(const QString& path, AudioFormat format, const QDateTime& st
     }
     process.setProcessChannelMode(QProcess::SeparateChannels);
     process.setStandardOutputFile(QProcess::nullDevice()); // else it would be gathered unread
-    connect(&process, &QProcess::readyReadStandardError, this, &Encoder::collectErrors);
-    connect(&process, &QProcess::finished, this, [this](int exitCode) {
-        if (!finishing)
-            Q_EMIT failed(
-                u"Кодировщик остановился (%1): %2"_s.arg(QString::number(exitCode), errorTail()));
-    });
+    watchProcess();
 #ifdef Q_OS_UNIX
-    // Ctrl-C in a terminal goes to its whole process group; the encoder must outlive it and get
-    // the rest of the audio. It ends with its input when the program is killed.
-    process.setChildProcessModifier([] { ::setsid(); });
+    process.setChildProcessModifier(outliveSignals);
 #endif
     process.start(program, recordingArguments(path, format, started), QIODevice::ReadWrite);
     if (process.waitForStarted(kStartTimeoutMs))
@@ -84,41 +94,56 @@ bool Encoder::start(const QString& path, AudioFormat format, const QDateTime& st
     return false;
 }
 
+void Encoder::watchProcess() {
+    connect(&process, &QProcess::readyReadStandardError, this, &Encoder::collectErrors);
+    connect(&process, &QProcess::finished, this, [this](int exitCode) {
+        if (!finishing)
+            Q_EMIT failed(
+                u"Кодировщик остановился (%1): %2"_s.arg(QString::number(exitCode), errorTail()));
+    });
+    // A process that is ending closes its input too: it gets the time to say why.
+    connect(&process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error != QProcess::WriteError || std::exchange(inputClosed, true))
+            return;
+        QTimer::singleShot(kLastWordsMs, this, [this] {
+            if (!finishing)
+                Q_EMIT failed(u"Кодировщик не работает: "_s + errorTail());
+        });
+    });
+}
+
 bool Encoder::write(const QList<float>& samples, QString& error) {
     if (process.state() != QProcess::Running) {
         collectErrors();
         error = u"Кодировщик не работает: "_s + QString::fromUtf8(errorOutput);
         return false;
     }
-    if (process.bytesToWrite() + gathered.size() > kMaxQueuedBytes) {
+    if (inputClosed) // `failed` is on its way
+        return true;
+    if (process.bytesToWrite() > kMaxQueuedBytes) {
         error = u"Кодировщик не успевает сохранять аудио"_s;
         return false;
     }
-    gathered.append(reinterpret_cast<const char*>(samples.constData()),
-                    samples.size() * qsizetype{sizeof(float)});
-    if (gathered.size() < kHandOverBytes || handOver())
+    const qint64 bytes = samples.size() * qint64{sizeof(float)};
+    if (process.write(reinterpret_cast<const char*>(samples.constData()), bytes) == bytes)
         return true;
     error = process.errorString();
     return false;
 }
 
-bool Encoder::handOver() {
-    const QByteArray bytes = std::exchange(gathered, {});
-    return process.write(bytes) == bytes.size();
-}
-
 bool Encoder::finish(QString& error) {
     finishing = true;
-    if (process.state() == QProcess::Running)
-        handOver();
+    const bool wasRunning = process.state() != QProcess::NotRunning;
+    const int timeoutMs = inputClosed ? kKillTimeoutMs : kFinishTimeoutMs;
     process.closeWriteChannel();
-    if (process.state() != QProcess::NotRunning && !process.waitForFinished(kFinishTimeoutMs)) {
+    if (wasRunning && !process.waitForFinished(timeoutMs)) {
         abort();
         error = u"Превышено время завершения кодирования"_s;
         return false;
     }
     error = errorTail();
-    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    const bool tookAll = !(wasRunning && inputClosed);
+    return tookAll && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
 bool Encoder::abort() {

@@ -24,9 +24,7 @@ public:
     // Waits up to 5 s for the process. An existing file is never overwritten.
     bool start(const QString& path, AudioFormat format, const QDateTime& started, QString& error);
 
-    // Queues the samples without waiting; more than 10 s of unwritten audio is a failure. Short
-    // writes are gathered to 100 ms: waking ffmpeg for every 20 ms would cost it a third more
-    // processor time.
+    // Queues the samples without waiting; more than 10 s of unwritten audio is a failure.
     bool write(const QList<float>& samples, QString& error);
 
     // Ends the input and waits up to 30 s for the file to be complete.
@@ -37,18 +35,18 @@ public:
     bool abort();
 
 Q_SIGNALS:
-    // The process ended by itself.
+    // The process ended by itself, or takes no more audio.
     void failed(const QString&);
 
 private:
-    bool handOver();
+    void watchProcess();
     void collectErrors();
     QString errorTail();
 
     QProcess process;
     bool finishing = false;
-    QByteArray gathered;    // samples that the process has not got yet
-    QByteArray errorOutput; // of the process, its end
+    bool inputClosed = false; // by the process, which may live on
+    QByteArray errorOutput;   // of the process, its end
 };
 
 } // namespace qn

@@ -72,7 +72,7 @@ void RecorderWorker::begin(const Settings& newSettings, const QString& newPartPa
     lastProgress = lastRefresh = sessionStart;
     setState(State::Recording);
     Q_EMIT began(started);
-    refreshSources();
+    openSources();
     timer->start();
 }
 
@@ -96,7 +96,7 @@ void RecorderWorker::resume() {
         return;
     restartTimeline();
     setState(State::Recording);
-    refreshSources();
+    openSources();
 }
 
 void RecorderWorker::stop() {
@@ -114,6 +114,14 @@ void RecorderWorker::restartTimeline() {
     sessionStart = Clock::now();
     const std::chrono::nanoseconds origin = sessionStart.time_since_epoch();
     mixer.reset(origin.count());
+}
+
+// A platform that asks the user for permission holds its first capture up until the answer: then
+// the recording starts with that.
+void RecorderWorker::openSources() {
+    refreshSources();
+    if (Clock::now() - sessionStart > std::chrono::seconds(kLargestLag / kTimelineRate))
+        restartTimeline();
 }
 
 // Valid in every state: a paused segment is in accumulatedSamples alone.
@@ -163,6 +171,9 @@ void RecorderWorker::render(bool flush) {
     }
     while (mixer.samplesRead() < target) {
         const qint64 count = std::min(target - mixer.samplesRead(), kLargestChunk);
+        // ffmpeg is woken ten times a second, not with every tick.
+        if (!flush && count < kLargestChunk)
+            return;
         QString error;
         if (!encoder->write(mixer.read(static_cast<int>(count)), error)) {
             finish(error);

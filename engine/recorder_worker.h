@@ -68,6 +68,7 @@ private:
     void stopDevices();
     void push(int input, const AudioBlock& block);
     void restartTimeline();
+    void openSources();
     qint64 samplesWritten() const;
 
     void openBackends();

@@ -3,7 +3,9 @@
 #include "tests/support/files.h"
 
 #include <cmath>
+#include <csignal>
 #include <numeric>
+#include <unistd.h>
 
 using namespace qn::testing;
 
@@ -84,6 +86,41 @@ private Q_SLOTS:
             QVERIFY(error.startsWith(u"Кодировщик не работает: "_s + expected.mid(6)));
             QCOMPARE(encoder.finish(error), script == "exit 0");
         }
+    }
+
+    void handsOverAtOnceAndNoticesAToolThatTakesNoMore() {
+        useTool("for last; do :; done; exec cat >\"$last\"");
+        qn::Encoder copying;
+        QVERIFY(start(copying) && copying.write(tone(1).first(960), error));
+        QTRY_COMPARE_WITH_TIMEOUT(part.size(), 3840, 1000);
+        QVERIFY(copying.finish(error));
+
+        useTool("exec 0<&-; echo deaf >&2; sleep 60");
+        qn::Encoder deaf;
+        const QSignalSpy failed(&deaf, &qn::Encoder::failed);
+        QVERIFY(start(deaf));
+        QTest::qWait(200);
+        QVERIFY(deaf.write(tone(1), error));
+        QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 1, 2000);
+        QCOMPARE(failed[0][0].toString(), u"Кодировщик не работает: deaf\n"_s);
+        const QDeadlineTimer patience(4000);
+        QVERIFY(!deaf.finish(error) && !patience.hasExpired());
+        part.remove();
+    }
+
+    void outlivesTheSignalsThatEndItsProgram() {
+        useTool("echo $$ >pid; exec ffmpeg \"$@\"");
+        qn::Encoder encoder;
+        QVERIFY(start(encoder, qn::AudioFormat::Wav) && encoder.write(tone(1), error));
+        QTRY_VERIFY(part.size() > 4000);
+        const pid_t tool = contents(u"pid"_s).trimmed().toInt();
+        QCOMPARE(getsid(tool), tool); // a terminal's Ctrl-C does not reach it either
+        for (const int number : {SIGTERM, SIGINT, SIGHUP})
+            QCOMPARE(kill(tool, number), 0);
+        QTest::qWait(200);
+        QVERIFY2(encoder.write(tone(1), error) && encoder.finish(error), qPrintable(error));
+        QCOMPARE(decoded(part.fileName()).size(), 96'000);
+        part.remove();
     }
 
     void refusesToQueueMoreThanTenSeconds() {

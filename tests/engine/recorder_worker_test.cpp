@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 #include <optional>
 
 using namespace qn;
 using namespace qn::testing;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -141,6 +143,44 @@ private Q_SLOTS:
         session.worker.stop();
         QCOMPARE(session.error(), QString());
         QCOMPARE(FakePlatform::instance().started.join(u' '), u"card speakers card card"_s);
+    }
+
+    void audioIsNotLostToASlowStartNorToLateDelivery() {
+        FakePlatform::instance().startTakes = 4200ms;
+        FakePlatform::instance().delay = 180ms;
+        Session session;
+        session.begin();
+        QTest::qWait(800);
+        session.worker.stop();
+        QCOMPARE(session.error(), QString());
+        const QList<float> samples = decoded(u"call.wav"_s);
+        QVERIFY(samples.size() > 48 * 700 && samples.size() < 48 * 1500);
+        const auto silent = [](float sample, float) { return std::abs(sample) < 0.001F; };
+        QVERIFY(std::search_n(samples.begin() + 48 * 300, samples.end() - 48 * 250, 480, 0,
+                              silent) == samples.end() - 48 * 250);
+    }
+
+    void whatEndsARecordingIsNamed() {
+        const std::tuple<QString, std::function<void()>, QString> rows[] = {
+            {u"/proc/self/call.wav.part"_s, [] {}, u"На диске закончилось свободное место"_s},
+            {u"call.wav.part"_s, [] { QTest::qSleep(4500); },
+             u"Обработка звука отстала более чем на 4 секунды"_s},
+            {u"call.wav.part"_s,
+             [] {
+                 AudioBlock block;
+                 block.samples = {1};
+                 block.sampleRate = std::numeric_limits<qint32>::max();
+                 Q_EMIT FakePlatform::instance().capturing.first()->block(block);
+             },
+             u"Не удалось создать преобразователь частоты"_s},
+        };
+        for (const auto& [part, happens, error] : rows) {
+            Session session;
+            useTool("exec cat >/dev/null");
+            session.worker.begin(session.settings, part);
+            happens();
+            QTRY_COMPARE(session.error(), error);
+        }
     }
 
     // Each step changes the platform and names what the worker then says, in order.

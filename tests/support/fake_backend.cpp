@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 
 namespace qn::testing {
 
@@ -19,6 +20,7 @@ public:
 
     bool start(const Selection&, const QString& sourceId, QString& error) override {
         stop();
+        std::this_thread::sleep_for(FakePlatform::instance().startTakes);
         error = FakePlatform::instance().startError;
         if (!error.isEmpty())
             return false;
@@ -69,7 +71,8 @@ FakePlatform& FakePlatform::instance() {
 
 void playTone() {
     static qint64 end = 0; // of the tone so far, as the steady clock counts
-    const qint64 now = steadyNowNs();
+    const std::chrono::nanoseconds delay = FakePlatform::instance().delay;
+    const qint64 now = steadyNowNs() - delay.count();
     AudioBlock block;
     block.timestampNs = std::max(end, now - 1'000'000'000);
     end = now;

@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <chrono>
+
 namespace qn::testing {
 
 using namespace Qt::StringLiterals;
@@ -15,7 +17,9 @@ struct FakePlatform {
     Catalog catalog{{{u"card"_s, u"Карта"_s}, {u"speakers"_s, u"Колонки"_s}},
                     {{u"app"_s, u"Звонилка"_s}},
                     u"speakers"_s};
-    QString startError; // non-empty: every start fails with it
+    QString startError;                      // non-empty: every start fails with it
+    std::chrono::milliseconds startTakes{0}; // of the far side
+    std::chrono::milliseconds delay{0};      // with which playTone delivers
     MicrophoneList microphones{{{"webcam", u"Камера"_s}, {"headset", u"Гарнитура"_s}}, "headset"};
     bool microphoneDelivers = true; // silence, with every call of playTone
     float microphoneLast = 0;       // peak of the 10 ms that it still holds when it is stopped
