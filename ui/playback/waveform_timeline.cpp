@@ -26,6 +26,44 @@ constexpr double kHeightExponent = 0.55;
 // Keeps the tallest bar inside the area.
 constexpr double kHalfLengthFactor = 0.45;
 
+// Contrast ratios that stay visible on the background.
+constexpr double kAccentContrast = 3.0;
+constexpr double kQuietContrast = 1.8;
+
+double luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b) {
+    const auto [dark, light] = std::minmax(luminance(a), luminance(b));
+    return (light + 0.05) / (dark + 0.05);
+}
+
+QColor blended(const QColor& from, const QColor& to, double share) {
+    const auto mixed = [share](int a, int b) { return qRound(a + (b - a) * share); };
+    return {mixed(from.red(), to.red()), mixed(from.green(), to.green()),
+            mixed(from.blue(), to.blue())};
+}
+
+// The colour itself where it stands out from the background, else the nearest one on its way to
+// black or white that does.
+QColor legible(const QColor& color, const QColor& background, double ratio) {
+    constexpr int kSteps = 32;
+    const QColor goal = contrast(Qt::white, background) > contrast(Qt::black, background)
+                            ? QColor(Qt::white)
+                            : QColor(Qt::black);
+    for (int step = 0; step < kSteps; ++step) {
+        const QColor candidate = blended(color, goal, double(step) / kSteps);
+        if (contrast(candidate, background) >= ratio)
+            return candidate;
+    }
+    return goal;
+}
+
 QRectF areaOf(const QWidget& widget) {
     return QRectF(widget.rect()).adjusted(kMargin, kMargin, -kMargin, -kMargin);
 }
@@ -125,12 +163,18 @@ double WaveformTimeline::playheadX() const {
     return area.left() + std::clamp(fraction, 0.0, 1.0) * area.width();
 }
 
+QColor WaveformTimeline::quietColor() const {
+    return legible(palette().color(QPalette::Mid), palette().color(QPalette::Base), kQuietContrast);
+}
+
 void WaveformTimeline::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF area = areaOf(*this);
     const double playhead = playheadX();
-    const QColor accent = palette().color(isEnabled() ? QPalette::Highlight : QPalette::Mid);
+    const QColor base = palette().color(QPalette::Base);
+    const QColor accent = legible(
+        palette().color(isEnabled() ? QPalette::Highlight : QPalette::Mid), base, kAccentContrast);
 
     paintBackground(painter, area, playhead, accent);
     if (peaks.isEmpty())
@@ -151,7 +195,7 @@ void WaveformTimeline::paintBackground(QPainter& painter, const QRectF& area, do
     QColor played = accent;
     played.setAlpha(25);
     painter.fillRect(QRectF(area.topLeft(), QPointF(playhead, area.bottom())), played);
-    painter.setPen(QPen(palette().color(QPalette::Mid), 1, Qt::SolidLine, Qt::FlatCap));
+    painter.setPen(QPen(quietColor(), 1, Qt::SolidLine, Qt::FlatCap));
     painter.drawLine(QPointF(area.left(), area.center().y()),
                      QPointF(area.right(), area.center().y()));
 }
@@ -161,7 +205,7 @@ void WaveformTimeline::paintColumns(QPainter& painter, const QRectF& area, doubl
     const qsizetype count = std::max<qsizetype>(1, qsizetype(area.width()));
     if (columns.size() != count)
         columns = columnPeaks(peaks, count);
-    const QColor quiet = palette().color(QPalette::Mid);
+    const QColor quiet = quietColor();
     for (qsizetype i = 0; i < count; ++i) {
         const double x = area.left() + double(i);
         const double height = std::pow(double(columns[i]), kHeightExponent) * area.height();

@@ -42,6 +42,7 @@ private:
     void setPeaks(const QList<float>& newPeaks);
 
     double playheadX() const;
+    QColor quietColor() const;
     void paintBackground(QPainter& painter, const QRectF& area, double playhead,
                          const QColor& accent) const;
     void paintColumns(QPainter& painter, const QRectF& area, double playhead, const QColor& accent);

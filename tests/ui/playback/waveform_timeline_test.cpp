@@ -3,6 +3,8 @@
 #include "ui/playback/peak_decoder.h"
 #include "ui/playback/waveform_timeline.h"
 
+#include <array>
+#include <cmath>
 #include <csignal>
 
 using namespace qn;
@@ -12,6 +14,18 @@ class WaveformTimelineTest : public QObject {
     Q_OBJECT
 
     const QTemporaryDir folder;
+
+    static double luminance(const QColor& color) {
+        const auto linear = [](double v) {
+            return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
+    }
+
+    static double contrast(double a, double b) {
+        return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+    }
 
 private Q_SLOTS:
     void initTestCase() { QDir::setCurrent(folder.path()); }
@@ -53,7 +67,7 @@ private Q_SLOTS:
         WaveformTimeline timeline;
         QPalette palette(Qt::white);
         palette.setColor(QPalette::Highlight, Qt::red);
-        palette.setColor(QPalette::Mid, Qt::green);
+        palette.setColor(QPalette::Mid, Qt::darkGreen);
         timeline.setPalette(palette);
         timeline.resize(1024, 124);
         QSignalSpy ready(&timeline, &WaveformTimeline::waveformReady);
@@ -61,11 +75,26 @@ private Q_SLOTS:
         QVERIFY(ready.wait() && ready.first().first().toBool());
         const auto pixel = [&](int x, int y) { return timeline.grab().toImage().pixelColor(x, y); };
         // Silence, the tone, and above the tone.
-        QVERIFY(pixel(100, 40) == Qt::white && pixel(900, 40) == Qt::green &&
+        QVERIFY(pixel(100, 40) == Qt::white && pixel(900, 40) == Qt::darkGreen &&
                 pixel(900, 14) == Qt::white);
         timeline.setRange(0, 1000);
         timeline.setValue(950);
         QCOMPARE(pixel(900, 40), QColor(Qt::red));
+        for (const auto& [base, highlight, mid] : {std::array{"#ffffff", "#f0e68c", "#f4f4f4"},
+                                                   {"#1e1e1e", "#2a3440", "#262626"},
+                                                   {"#808080", "#7a8a80", "#848484"},
+                                                   {"#fdf6e3", "#eee8d5", "#eee8d5"}}) {
+            palette.setColor(QPalette::Base, QColor(QLatin1String(base)));
+            palette.setColor(QPalette::Highlight, QColor(QLatin1String(highlight)));
+            palette.setColor(QPalette::Mid, QColor(QLatin1String(mid)));
+            timeline.setPalette(palette);
+            timeline.setValue(950);
+            const double back = luminance(palette.color(QPalette::Base));
+            QVERIFY(contrast(back, luminance(pixel(900, 40))) >= 3.0);
+            timeline.setValue(0);
+            QVERIFY(contrast(back, luminance(pixel(900, 40))) >= 1.8);
+        }
+        timeline.setValue(950);
         timeline.setAudioFile(u"pipe:"_s);
         QVERIFY(ready.wait() && !ready.last().first().toBool());
 
