@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QList>
-#include <QMetaType>
 #include <QString>
 
 namespace qn {
@@ -27,5 +26,3 @@ qint64 steadyNowNs();
 qint64 durationNs(qint64 frames, qint32 sampleRate);
 
 } // namespace qn
-
-Q_DECLARE_METATYPE(qn::AudioBlock)

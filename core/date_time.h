@@ -8,9 +8,6 @@ namespace qn {
 
 // An instant as stored: UTC, ISO 8601 with milliseconds. An invalid time is a null text and back.
 QString toIsoText(const QDateTime& instant);
-
-// The same result as QDateTime::fromString with Qt::ISODateWithMs, in a fraction of its time for
-// texts that toIsoText wrote.
 QDateTime fromIsoText(const QString& text);
 
 // The zone of a stored IANA id; the system's where the id names none.

@@ -3,7 +3,6 @@
 #include "core/audio_format.h"
 
 #include <QByteArray>
-#include <QMetaType>
 #include <QString>
 
 namespace qn {
@@ -19,5 +18,3 @@ struct Settings {
 };
 
 } // namespace qn
-
-Q_DECLARE_METATYPE(qn::Settings)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QDataStream>
-#include <QMetaType>
+#include <QtGlobal>
 
 namespace qn {
 
@@ -20,9 +19,4 @@ constexpr bool isResting(State state) {
     return state == State::Idle || state == State::Failed;
 }
 
-QDataStream& operator<<(QDataStream& stream, State state);
-QDataStream& operator>>(QDataStream& stream, State& state);
-
 } // namespace qn
-
-Q_DECLARE_METATYPE(qn::State)

@@ -6,12 +6,11 @@
 #include "engine/timeline_rate.h"
 #include "engine/timeline_ring.h"
 
-#include <QHash>
+#include <QMap>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
 #include <span>
 #include <vector>
 
@@ -20,20 +19,6 @@ namespace {
 
 constexpr qsizetype kMaxSources = 128;
 constexpr float kLevelDecay = 0.85F;
-
-// The identity of a producer, with a hash of its own: Qt's string hash may leave the upper halves
-// of the vector registers in use, and then SSE code, libsoxr's filters too, runs at a third of its
-// speed.
-struct SourceKey {
-    QString text;
-
-    bool operator==(const SourceKey&) const = default;
-};
-
-size_t qHash(const SourceKey& key, size_t seed) {
-    return std::accumulate(key.text.cbegin(), key.text.cend(), seed,
-                           [](size_t hash, QChar c) { return hash * 31 + c.unicode(); });
-}
 
 struct Source {
     Resampler resampler;
@@ -70,16 +55,16 @@ float peakOf(std::span<const float> samples) {
 
 struct TimelineMixer::Track {
     TimelineRing ring;
-    QHash<SourceKey, std::shared_ptr<Source>> resamplers;
-    std::vector<float> mono; // scratch of push
+    QMap<QString, std::shared_ptr<Source>> resamplers; // by source key
+    std::vector<float> mono;                           // scratch of push
     float level = 0;
 
-    std::shared_ptr<Source> sourceOf(const SourceKey& key);
+    std::shared_ptr<Source> sourceOf(const QString& key);
     std::span<const float> downMixed(const AudioBlock& block, const DownMixWeights& weights);
     void place(qint64 first, std::span<const float> output, qint64 from);
 };
 
-std::shared_ptr<Source> TimelineMixer::Track::sourceOf(const SourceKey& key) {
+std::shared_ptr<Source> TimelineMixer::Track::sourceOf(const QString& key) {
     if (const auto found = resamplers.constFind(key); found != resamplers.cend())
         return *found;
     if (resamplers.size() > kMaxSources)
@@ -125,7 +110,7 @@ void TimelineMixer::push(int input, const AudioBlock& block) {
         return;
     Track& track = *inputs[input];
     // First, because a producer counts among those kept even while nothing of it is heard.
-    const std::shared_ptr<Source> source = track.sourceOf({block.sourceKey});
+    const std::shared_ptr<Source> source = track.sourceOf(block.sourceKey);
     const DownMixWeights weights = downMixWeights(block.channels, block.channelMask);
     if (weights.sum == 0)
         return;

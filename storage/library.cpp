@@ -11,11 +11,8 @@
 #include <QUuid>
 #include <QVariant>
 
-#include <algorithm>
-#include <numeric>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 namespace qn {
 
@@ -60,50 +57,8 @@ QString toJsonText(const QJsonObject& object) {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
-constexpr qsizetype kMostRemembered = 64;
-
-// A column's words recur from row to row: sharing one copy spares memory, and with it time.
-class WordReader {
-public:
-    QString read(const QByteArray& word) {
-        if (word != last) {
-            last = word;
-            text = QString::fromUtf8(word);
-        }
-        return text;
-    }
-
-private:
-    QByteArray last;
-    QString text;
-};
-
-// Details recur too, so that few texts need parsing.
-class DetailsReader {
-public:
-    QJsonObject read(const QByteArray& text) {
-        if (text == "{}")
-            return {};
-        const auto known = objects.constFind(text);
-        if (known != objects.cend())
-            return *known;
-        QJsonObject object = QJsonDocument::fromJson(text).object();
-        if (objects.size() < kMostRemembered)
-            objects.insert(text, object);
-        return object;
-    }
-
-private:
-    QHash<QByteArray, QJsonObject> objects;
-};
-
-// The rows' numbers by their start, whose ISO text sorts as the time does; equal ones as they come.
-std::vector<qsizetype> newestFirst(const QList<QByteArray>& starts) {
-    std::vector<qsizetype> rows(size_t(starts.size()));
-    std::iota(rows.begin(), rows.end(), 0);
-    std::stable_sort(rows.begin(), rows.end(),
-                     [&starts](qsizetype a, qsizetype b) { return starts[a] > starts[b]; });
-    return rows;
+QJsonObject fromJsonText(const QString& text) {
+    return QJsonDocument::fromJson(text.toUtf8()).object();
 }
 
 // Tells whether a recording started on the wanted day of its own zone; an invalid day wants all.
@@ -174,7 +129,6 @@ void Library::close() {
 }
 
 void Library::insert(const Recording& r) {
-    isKnown = false;
     run(db,
         u"INSERT INTO recordings(id,title,path,format,timezone,started,ended,duration_ms,status,"
         u"details) VALUES(?,?,?,?,?,?,?,?,?,?)"_s,
@@ -184,7 +138,6 @@ void Library::insert(const Recording& r) {
 }
 
 void Library::update(const Recording& r) {
-    isKnown = false;
     run(db,
         u"UPDATE recordings SET path=?,started=?,ended=?,duration_ms=?,status=?,details=? "
         u"WHERE id=?"_s,
@@ -209,59 +162,42 @@ QList<Recording> Library::list(const QString& search, const QDate& date) const {
 // Reads all rows when this connection or another has written since the last time, which a search
 // that is being typed need not wait for.
 void Library::readChanges() const {
-    QSqlQuery version = run(db, u"PRAGMA data_version"_s); // changes with others' writes only
-    const qint64 othersWrites = next(version) ? version.value(0).toLongLong() : 0;
-    if (isKnown && othersWrites == knownVersion)
+    const auto number = [this](const QString& sql) {
+        QSqlQuery query = run(db, sql);
+        return next(query) ? query.value(0).toLongLong() : 0;
+    };
+    // The first counts what other connections have written, the second what this one has.
+    const std::pair version(number(u"PRAGMA data_version"_s), number(u"SELECT total_changes()"_s));
+    if (version == knownVersion)
         return;
-    isKnown = false;
+    knownVersion.reset();
     readAll();
-    knownVersion = othersWrites;
-    isKnown = true;
+    knownVersion = version;
 }
 
 void Library::readAll() const {
     known.clear(); // now, so that the new rows find its memory
-    // As bytes, because Qt turns UTF-8 into its own text faster than SQLite does. Sorted here,
-    // because SQLite would write every row out and read it in again for that.
-    QSqlQuery query =
-        run(db, u"SELECT CAST(id AS BLOB),CAST(title AS BLOB),CAST(path AS BLOB),"
-                u"CAST(format AS BLOB),CAST(timezone AS BLOB),CAST(started AS BLOB),"
-                u"CAST(ended AS BLOB),duration_ms,CAST(status AS BLOB),CAST(details AS BLOB) "
-                u"FROM recordings ORDER BY rowid"_s);
-    const auto text = [&query](int column) {
-        return QString::fromUtf8(query.value(column).toByteArray());
-    };
-    WordReader formats;
-    WordReader zones;
-    WordReader statuses;
-    DetailsReader details;
-    QList<Recording> rows;
-    QList<QByteArray> starts;
-    while (next(query)) {
-        starts.append(query.value(5).toByteArray());
-        rows.append({.id = text(0),
-                     .title = text(1),
-                     .path = text(2),
-                     .format = formats.read(query.value(3).toByteArray()),
-                     .timezone = zones.read(query.value(4).toByteArray()),
-                     .status = statuses.read(query.value(8).toByteArray()),
-                     .started = fromIsoText(QString::fromUtf8(starts.last())),
-                     .ended = fromIsoText(text(6)),
-                     .durationMs = query.value(7).toLongLong(),
-                     .details = details.read(query.value(9).toByteArray())});
-    }
-    known.reserve(rows.size());
-    for (const qsizetype row : newestFirst(starts))
-        known.append(std::move(rows[row]));
+    QSqlQuery query = run(db, u"SELECT id,title,path,format,timezone,started,ended,duration_ms,"
+                              u"status,details FROM recordings ORDER BY started DESC"_s);
+    const auto text = [&query](int column) { return query.value(column).toString(); };
+    while (next(query))
+        known.append({.id = text(0),
+                      .title = text(1),
+                      .path = text(2),
+                      .format = text(3),
+                      .timezone = text(4),
+                      .status = text(8),
+                      .started = fromIsoText(text(5)),
+                      .ended = fromIsoText(text(6)),
+                      .durationMs = query.value(7).toLongLong(),
+                      .details = fromJsonText(text(9))});
 }
 
 void Library::rename(const QString& id, const QString& title) {
-    isKnown = false;
     run(db, u"UPDATE recordings SET title=? WHERE id=?"_s, {title, id});
 }
 
 void Library::remove(const QString& id) {
-    isKnown = false;
     run(db, u"DELETE FROM recordings WHERE id=?"_s, {id});
 }
 
@@ -271,26 +207,18 @@ void Library::event(const QString& recordingId, const QString& kind, const QJson
 }
 
 QJsonArray Library::events(const QString& recordingId) const {
-    QSqlQuery query = run(
-        db,
-        u"SELECT at,kind,CAST(details AS BLOB) FROM events WHERE recording_id=? ORDER BY rowid"_s,
-        {recordingId});
+    QSqlQuery query =
+        run(db, u"SELECT at,kind,details FROM events WHERE recording_id=? ORDER BY rowid"_s,
+            {recordingId});
     QJsonArray events;
-    // Copied for each event: making the keys anew takes longer.
-    const QJsonObject blank{{u"at"_s, {}}, {u"kind"_s, {}}, {u"details"_s, {}}};
-    DetailsReader details;
-    while (next(query)) {
-        QJsonObject event = blank;
-        event["at"_L1] = query.value(0).toString();
-        event["kind"_L1] = query.value(1).toString();
-        event["details"_L1] = details.read(query.value(2).toByteArray());
-        events.append(event);
-    }
+    while (next(query))
+        events.append(QJsonObject{{u"at"_s, query.value(0).toString()},
+                                  {u"kind"_s, query.value(1).toString()},
+                                  {u"details"_s, fromJsonText(query.value(2).toString())}});
     return events;
 }
 
 void Library::markInterrupted() {
-    isKnown = false;
     run(db, u"UPDATE recordings SET status='interrupted' WHERE status IN "
             u"('starting','recording','paused','finalizing')"_s);
 }

@@ -9,6 +9,9 @@
 #include <QSqlDatabase>
 #include <QString>
 
+#include <optional>
+#include <utility>
+
 namespace qn {
 
 // The recordings and the journal of each, in one SQLite file. Main thread only. Every operation
@@ -54,8 +57,7 @@ private:
     QSqlDatabase db;
     QString connectionName;
     mutable QList<Recording> known; // all rows, newest first, as of knownVersion
-    mutable qint64 knownVersion = 0;
-    mutable bool isKnown = false; // nothing was written through this connection since
+    mutable std::optional<std::pair<qint64, qint64>> knownVersion;
 };
 
 } // namespace qn

@@ -58,6 +58,10 @@ private Q_SLOTS:
         add(u"Обед"_s, u"2024-03-05T15:30:00.000Z"_s);
         QCOMPARE(library->list(u"ПЛАНЁ"_s, {}).size(), 1);
         QCOMPARE(library->list({}, {2024, 3, 6}).value(0).title, u"Обед"_s);
+        // By this connection behind the library's back, then by another.
+        QSqlDatabase own = QSqlDatabase::database(QSqlDatabase::connectionNames().first());
+        own.exec(u"UPDATE recordings SET title='Ужин' WHERE title='Обед'"_s);
+        QCOMPARE(library->list(u"ужин"_s, {}).size(), 1);
         query(path, u"UPDATE recordings SET timezone='Moon/Crater',details='{broken'"_s);
         const QDate day = library->list({}, {}).first().started.toLocalTime().date();
         QVERIFY(!library->list({}, day).isEmpty());
