@@ -18,6 +18,7 @@
 #include <QTimer>
 #include <QTranslator>
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 
@@ -31,6 +32,19 @@ const QString kSmokeTest = u"smoke-test"_s;
 const QString kListSources = u"list-sources"_s;
 
 constexpr auto kSmokeTestDuration = 2s;
+
+// Of Qt's media back ends the one that plays and seeks Ogg Opus, MP3 and WAV everywhere, unless the
+// user has chosen another or this Qt comes without it.
+void chooseMediaBackend() {
+    if (qEnvironmentVariableIsSet("QT_MEDIA_BACKEND"))
+        return;
+    const QStringList folders = QCoreApplication::libraryPaths();
+    const bool isThere = std::any_of(folders.begin(), folders.end(), [](const QString& folder) {
+        return !QDir(folder + u"/multimedia"_s).entryList({u"*ffmpegmediaplugin*"_s}).isEmpty();
+    });
+    if (isThere)
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+}
 
 void nameApplication() {
     QCoreApplication::setOrganizationName(u"Quorlin"_s);
@@ -72,8 +86,6 @@ void speakRussian(QTranslator& translator) {
 }
 
 int runWindow(const QString& dataDirectory, bool smokeTest) {
-    QTranslator translator;
-    speakRussian(translator);
     try {
         const qn::TerminationSignals termination; // outlives the window, which may be saving
         qn::Window window(dataDirectory);
@@ -92,13 +104,14 @@ int runWindow(const QString& dataDirectory, bool smokeTest) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-    // The one of Qt's media back ends that plays and seeks Ogg Opus, MP3 and WAV on every platform.
-    qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     // The recording thread wakes a hundred times a second: Qt's own event loop is the lighter one.
     qputenv("QT_NO_THREADED_GLIB", "1");
     const QApplication application(argc, argv);
+    chooseMediaBackend();
     nameApplication();
     registerTypes();
+    QTranslator translator;
+    speakRussian(translator); // the parser's help too
     QCommandLineParser parser;
     parse(parser, application);
     if (parser.isSet(kListSources))

@@ -12,12 +12,10 @@ from pathlib import Path
 def sound_modules(echo):
     """What the sound server loads: speakers, and a microphone that hears what is played into
     "voice" or, for an echo, into the speakers."""
-    # Without rewinds the sink renders 50 ms ahead instead of seconds. A microphone gets its
-    # blocks more steadily from a sink that does rewind.
-    rewinds = "" if echo else " norewinds=1"
+    # Without rewinds the sink renders 50 ms ahead instead of seconds.
     heard = "speakers" if echo else "voice"
     return [
-        f"module-null-sink sink_name=speakers rate=48000{rewinds}"
+        "module-null-sink sink_name=speakers rate=48000 norewinds=1"
         " sink_properties=device.description=Speakers",
         "module-null-sink sink_name=voice rate=48000",
         f"module-remap-source master={heard}.monitor source_name=microphone"

@@ -201,9 +201,10 @@ void Library::remove(const QString& id) {
     run(db, u"DELETE FROM recordings WHERE id=?"_s, {id});
 }
 
-void Library::event(const QString& recordingId, const QString& kind, const QJsonObject& details) {
+void Library::event(const QString& recordingId, const QString& kind, const QJsonObject& details,
+                    const QDateTime& at) {
     run(db, u"INSERT INTO events VALUES(?,?,?,?)"_s,
-        {recordingId, toIsoText(QDateTime::currentDateTimeUtc()), kind, toJsonText(details)});
+        {recordingId, toIsoText(at), kind, toJsonText(details)});
 }
 
 QJsonArray Library::events(const QString& recordingId) const {

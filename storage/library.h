@@ -38,8 +38,9 @@ public:
     // Removes the row and its journal; the audio file is the caller's.
     void remove(const QString& id);
 
-    // Appends to the journal, stamped with the present time.
-    void event(const QString& recordingId, const QString& kind, const QJsonObject& details);
+    // Appends to the journal.
+    void event(const QString& recordingId, const QString& kind, const QJsonObject& details,
+               const QDateTime& at = QDateTime::currentDateTimeUtc());
 
     // The journal, oldest first: objects with "at" (UTC, ISO 8601 with ms), "kind" and "details".
     QJsonArray events(const QString& recordingId) const;

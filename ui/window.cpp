@@ -26,6 +26,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QShortcut>
+#include <QStatusBar>
 #include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -107,12 +108,6 @@ void Window::buildUi() {
     details->setReadOnly(true);
     details->setMaximumHeight(kDetailsHeight);
     details->setTabChangesFocus(true);
-    // A bar that comes with a long journal would have all of it laid out twice.
-    details->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    // A long journal is laid out in half the time without ligatures and kerning.
-    QFont font = details->font();
-    font.setStyleStrategy(QFont::PreferNoShaping);
-    details->setFont(font);
     details->setAccessibleName(u"Сведения о записи"_s);
     details->setPlaceholderText(
         u"Выберите созвон для просмотра времени, файла и переключений источников"_s);
@@ -126,6 +121,7 @@ void Window::buildUi() {
                                          playbackPanel, exportBar, details})
         layout->addWidget(widget);
     setCentralWidget(central);
+    statusBar(); // now, or the table would jump with the first message
     buildMenu();
 }
 

@@ -8,9 +8,9 @@
 #include "export/export_job.h"
 #include "storage/library.h"
 #include "ui/common/control_rules.h"
-#include "ui/playback/played_file.h"
 
 #include <QAudioOutput>
+#include <QFile>
 #include <QList>
 #include <QMainWindow>
 #include <QMediaPlayer>
@@ -126,7 +126,7 @@ private:
     QThread workerThread;
     RecorderWorker* worker = nullptr; // lives on workerThread, which deletes it
     ExportJob exportJob;
-    PlayedFile playedFile; // the player reads it on threads of its own
+    QFile playedFile; // the player reads it on threads of its own
     QMediaPlayer player;
     QAudioOutput audioOutput;
     QList<Recording> rows; // of the table, in its order
@@ -135,7 +135,7 @@ private:
     bool populating = false;        // the source combos are being refilled
     bool libraryErrorShown = false; // until the library works again
     bool closePending = false;
-    bool closing = false; // nobody looks any more: no message boxes, nothing is loaded
+    bool closing = false; // the program ends: no message boxes, nothing is loaded
     bool recovering = false;
     Recording exportSubject; // being repaired
     QString recoveryTarget;
@@ -149,6 +149,7 @@ private:
     PlaybackPanel* playbackPanel = nullptr;
     ExportBar* exportBar = nullptr;
     QTextEdit* details = nullptr;
+    QString shownDetails;
 };
 
 } // namespace qn

@@ -1,7 +1,6 @@
 #include "tests/support/files.h"
 #include "ui/common/control_rules.h"
 #include "ui/library/file_names.h"
-#include "ui/playback/played_file.h"
 #include "ui/settings/source_items.h"
 
 using namespace qn;
@@ -72,34 +71,6 @@ private Q_SLOTS:
         QCOMPARE(withExtension(u"n.mp3"_s, AudioFormat::Wav), u"n.mp3.wav"_s);
         for (const AudioFormat format : {AudioFormat::Opus, AudioFormat::Mp3, AudioFormat::Wav})
             QCOMPARE(formatOfFilter(exportFilter(format)), format);
-    }
-
-    void thePlayerSeesNothingBehindTheAudio() {
-        const QTemporaryDir folder;
-        const QByteArray zeros(1 << 20, '\0');
-        const QByteArray page = "OggS" + QByteArray(4999, 'x');
-        const QByteArray head("RIFF\xff\xff\xff\xffWAVEJUNK\4\0\0\0data", 24);
-        const QByteArray longHead = "RF64" + head.mid(4, 8) + "ds64" + QByteArray("\x1c\0\0\0", 4);
-        const std::pair<QByteArray, qsizetype> rows[] = {
-            {page + zeros, 8192},
-            {"\xff\xfb" + page + zeros + page, (1 << 20) + 10008},
-            {head + QByteArray("data\5\0\0\0", 8) + page, 37},
-            {head + QByteArray("data\5\0\0\0+-", 10), 34},
-            {head + "data\xff\xff\xff\xff" + zeros, (1 << 20) + 32},
-            {longHead + zeros.left(8) + '\7' + zeros.left(19) + "data\xff\xff\xff\xff" + page, 63},
-            {head + zeros, 0},
-            {"text", 0},
-            {QByteArray(9000, '\xff'), 0},
-            {{}, 0}};
-        for (const auto& [bytes, end] : rows) {
-            write(folder.filePath(u"file"_s), bytes);
-            PlayedFile file;
-            QVERIFY(file.openAudio(folder.filePath(u"file"_s)));
-            QCOMPARE(file.isCut(), end < bytes.size());
-            QCOMPARE(file.size(), end);
-            QCOMPARE(file.readAll(), bytes.left(end));
-            QVERIFY(file.seek(end / 2) && file.read(bytes.size()) == bytes.left(end).mid(end / 2));
-        }
     }
 };
 

@@ -49,6 +49,12 @@ class WindowTest : public QObject {
         return found == all.end() ? nullptr : *found;
     }
     QPushButton* button(const QString& text) { return find<QPushButton>(text); }
+    QLineEdit* field(const QString& hint) {
+        const auto all = window->findChildren<QLineEdit*>();
+        return *std::find_if(all.begin(), all.end(), [&](QLineEdit* field) {
+            return field->placeholderText().startsWith(hint);
+        });
+    }
     bool shows(const QString& text) { return find<QLabel>(text); }
     QPushButton* recordButton() { return window->findChild<QPushButton*>(u"record"_s); }
     QTableWidget* table() { return window->findChild<QTableWidget*>(u"recordings"_s); }
@@ -108,15 +114,20 @@ private Q_SLOTS:
 
     void aCallIsRecordedPausedResumedAndListed() {
         open();
-        for (auto* field : window->findChildren<QLineEdit*>()) {
-            if (field->placeholderText().startsWith(u"Название созвона"_s))
-                field->setText(u"  Планёрка  "_s);
-        }
+        field(u"Название созвона"_s)->setText(u"  Планёрка  "_s);
         record(300);
         QVERIFY(path().endsWith(u".opus.part"_s));
         QVERIFY(!button(u"Удалить"_s)->isEnabled());
         button(u"Пауза"_s)->click();
         QTRY_VERIFY(shows(u"На паузе"_s));
+        QCOMPARE(cell(0, 5), u"Пауза"_s);
+        auto* details = window->findChild<QTextEdit*>();
+        for (const QString& typed : {u"ПЛ"_s, u"ПЛАН"_s}) {
+            field(u"Поиск по названию"_s)->setText(typed);
+            if (typed.size() == 2)
+                details->selectAll();
+        }
+        QVERIFY(details->textCursor().hasSelection()); // an equal text is not set again
         button(u"Продолжить"_s)->click();
         QTRY_VERIFY(shows(u"● Записываем"_s));
         stop();
@@ -250,24 +261,74 @@ private Q_SLOTS:
             QTRY_VERIFY(answers.isEmpty() && recordButton()->isEnabled());
             QVERIFY(window->isVisible());
         }
+        record(100);
+        stop(); // and does not close
+        QVERIFY(window->isVisible());
         window.reset();
         qunsetenv("QUORLIN_FFMPEG");
     }
 
-    void aRepairThatFallsShortKeepsTheInterruptedFile() {
+    void aRepairKeepsTheInterruptedFileOnlyWhenItLosesAudio() {
+        struct Row {
+            QByteArray tool; // of the repair
+            qint64 extraBytes;
+            QString status, message;
+            bool keepsOld;
+        };
+        const Row rows[] = {
+            {"exec ffmpeg \"$@\"", 200'000, u"ready"_s, u"Восстановлено 00:00"_s, true},
+            {"exec ffmpeg \"$@\"", 0, u"ready"_s, {}, false}, // only the row is wrong
+            {"for last; do :; done; head -c 9000 /dev/zero >\"$last\"", 0, u"ready"_s, {}, false},
+            {"for last; do :; done; : >\"$last\"", 0, u"failed"_s, u"Не удалось восстановить"_s,
+             true},
+        };
+        for (const auto& [tool, extraBytes, expectedStatus, message, keepsOld] : rows) {
+            folder = std::make_unique<QTemporaryDir>();
+            QSettings().setValue(u"audio/directory"_s, folder->filePath(u"calls"_s));
+            open();
+            record(100);
+            stop();
+            sql(u"UPDATE recordings SET status='failed',duration_ms=60000"_s);
+            open();
+            const QString interrupted = path();
+            QFile file(interrupted);
+            QVERIFY(file.open(QIODevice::Append) && file.write(QByteArray(extraBytes, 'x')) >= 0);
+            file.close();
+            if (!message.isEmpty())
+                answers = {[&](QDialog* dialog) {
+                    QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().startsWith(message));
+                    dialog->accept();
+                }};
+            useTool(R"(case "$*" in *-progress*) )" + tool + R"(;; *) exec ffmpeg "$@";; esac)");
+            button(u"Восстановить"_s)->click();
+            QTRY_VERIFY(answers.isEmpty());
+            QTRY_VERIFY(button(u"Удалить"_s)->isEnabled());
+            QCOMPARE(status(), expectedStatus);
+            QCOMPARE(QFile::exists(interrupted), keepsOld);
+            QVERIFY(QFile::exists(path()));
+            qunsetenv("QUORLIN_FFMPEG");
+        }
+    }
+
+    void aClosedWindowThatLivesOnListsAndAsksAsBefore() {
         open();
+        QVERIFY(window->close());
+        window->show();
         record(100);
+        QCOMPARE(table()->rowCount(), 1);
+        answers = {
+            press(QMessageBox::No, u"Остановить запись, сохранить файл и закрыть приложение?"_s)};
+        QVERIFY(!window->close());
         stop();
-        sql(u"UPDATE recordings SET status='failed',duration_ms=60000"_s);
-        open();
-        const QString interrupted = path();
-        answers = {[&](QDialog* dialog) {
-            QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().endsWith(interrupted));
-            dialog->accept();
-        }};
-        button(u"Восстановить"_s)->click();
-        QTRY_COMPARE(status(), u"ready"_s);
-        QVERIFY(QFile::exists(interrupted) && QFile::exists(path()) && path() != interrupted);
+        // Gone with the cursor in the settings.
+        button(u"Настройки"_s)->click();
+        auto* dialog = window->findChild<QDialog*>();
+        dialog->activateWindow();
+        dialog->findChild<QLineEdit*>()->setFocus();
+        QTRY_VERIFY(dialog->findChild<QLineEdit*>()->hasFocus());
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(), u"x"_s);
+        window.reset();
+        QVERIFY(!QSettings().value(u"audio/directory"_s).toString().endsWith(u'x'));
     }
 
     void anInterruptedRecordingIsRepairedExportedRenamedAndDeleted() {
@@ -282,10 +343,10 @@ private Q_SLOTS:
         QCOMPARE(cell(0, 5), u"Нуждается в восстановлении"_s);
         button(u"Восстановить"_s)->click();
         refuseUpdates();
-        QVERIFY(QFile::exists(whole + u".part"_s));
+        QVERIFY(QFile::exists(whole + u".part"_s)); // the row names it
         sql(u"DROP TRIGGER no"_s);
         QTRY_COMPARE(cell(0, 5), u"Готово"_s);
-        QVERIFY(path() == whole && QFile::exists(whole) && !QFile::exists(whole + u".part"_s));
+        QVERIFY(path() == whole && QFile::exists(whole));
 
         const QString copy = folder->filePath(u"notes.mp3"_s);
         QVERIFY(QFile(copy).open(QIODevice::WriteOnly));

@@ -1,6 +1,7 @@
 #include "ui/common/layouts.h"
 
 #include <QBoxLayout>
+#include <QPushButton>
 #include <QWidget>
 
 namespace qn {
@@ -31,6 +32,12 @@ QWidget* columnOf(std::initializer_list<QWidget*> widgets) {
     auto* panel = new QWidget;
     layOut(QBoxLayout::TopToBottom, panel, widgets);
     return panel;
+}
+
+QPushButton* tallButton(const QString& text, int leastHeight) {
+    auto* button = new QPushButton(text);
+    button->setMinimumHeight(leastHeight);
+    return button;
 }
 
 void addStretch(QWidget* panel, int index) {

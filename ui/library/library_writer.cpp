@@ -3,7 +3,6 @@
 #include "storage/library.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 
 #include <algorithm>
 #include <chrono>
@@ -39,13 +38,7 @@ void LibraryWriter::addEvent(const QString& recordingId, const QString& kind,
                              const QJsonObject& details) {
     if (recordingId.isEmpty())
         return;
-    events.append({recordingId, kind, details});
-    if (!retry.isActive())
-        flush();
-}
-
-void LibraryWriter::removeFile(const QString& path) {
-    obsoleteFiles.append(path);
+    events.append({recordingId, kind, details, QDateTime::currentDateTimeUtc()});
     if (!retry.isActive())
         flush();
 }
@@ -78,8 +71,6 @@ void LibraryWriter::write() {
         library.update(rows.cbegin().value());
         rows.erase(rows.cbegin());
     }
-    while (!obsoleteFiles.isEmpty())
-        QFile::remove(obsoleteFiles.takeFirst());
     while (!events.isEmpty()) {
         write(events.first());
         events.removeFirst();
@@ -89,7 +80,7 @@ void LibraryWriter::write() {
 // Steps over an event whose recording was deleted from outside: it could never be written.
 void LibraryWriter::write(const Event& event) {
     try {
-        library.event(event.recordingId, event.kind, event.details);
+        library.event(event.recordingId, event.kind, event.details, event.at);
     } catch (const std::exception&) {
         const QList<Recording> all = library.list({}, {});
         if (std::any_of(all.cbegin(), all.cend(), [&](const Recording& recording) {

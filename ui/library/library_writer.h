@@ -7,7 +7,6 @@
 #include <QList>
 #include <QObject>
 #include <QString>
-#include <QStringList>
 #include <QTimer>
 
 namespace qn {
@@ -27,9 +26,6 @@ public:
     void update(const Recording& recording);
     void addEvent(const QString& recordingId, const QString& kind, const QJsonObject& details);
 
-    // Removes the file when no kept row is left, one of which may be about to stop naming it.
-    void removeFile(const QString& path);
-
     // Tries at once, instead of waiting for the next try; true when nothing is left to write.
     bool flush();
 
@@ -48,6 +44,7 @@ private:
         QString recordingId;
         QString kind;
         QJsonObject details;
+        QDateTime at; // when it happened, not when the library took it
     };
 
     void write();
@@ -56,7 +53,6 @@ private:
     Library& library;
     QHash<QString, Recording> rows; // the newest state of each, by id
     QList<Event> events;
-    QStringList obsoleteFiles;
     QTimer retry; // runs while the library refuses
     bool refusing = false;
 };

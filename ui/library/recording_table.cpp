@@ -123,13 +123,9 @@ void RecordingTable::keepSelected(const QString& id) {
         return;
     const auto kept = std::find_if(rows.cbegin(), rows.cend(),
                                    [&](const Recording& recording) { return recording.id == id; });
-    selectRow(kept == rows.cend() ? 0 : static_cast<int>(kept - rows.cbegin()));
-}
-
-void RecordingTable::selectNeighbour() {
-    const QSignalBlocker blocker(this);
-    const int row = currentRow();
-    selectRow(row + 1 < rowCount() ? row + 1 : row - 1);
+    // Otherwise the current row stays where it is: after a deletion that is the neighbour.
+    selectRow(kept == rows.cend() ? std::max(currentRow(), 0)
+                                  : static_cast<int>(kept - rows.cbegin()));
 }
 
 const Recording* RecordingTable::selected() const {
@@ -153,7 +149,7 @@ QString RecordingTable::cellText(int row, int column) const {
     case kFormat:
         return r.format.toUpper();
     case kStatus:
-        return statusText(r.status);
+        return statusName(r.status);
     default:
         return {};
     }

@@ -15,13 +15,9 @@ class RecordingTable : public QTableWidget {
 public:
     explicit RecordingTable(QWidget* parent = nullptr);
 
-    // Shows these rows and keeps the selected recording selected, else selects the first. Emits
-    // nothing: the caller looks at the selection afterwards.
+    // Shows these rows and keeps the selected recording selected, else the row at its place, else
+    // the first. Emits nothing: the caller looks at the selection afterwards.
     void setRows(const QList<Recording>& recordings);
-
-    // Selects the row behind the current one, else the one before it, for a row that is to go.
-    // Emits nothing.
-    void selectNeighbour();
 
     // Of the current row; null without one. Valid until the next setRows.
     const Recording* selected() const;

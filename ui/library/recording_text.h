@@ -12,7 +12,7 @@ namespace qn {
 QString dateTimeText(const QDateTime& instant, const QString& timezone);
 
 // The name shown for a stored status.
-QString statusText(const QString& status);
+QString statusName(const QString& status);
 
 // Times, file, error and journal of a recording, one line each.
 QString detailsText(const Recording& recording, const QJsonArray& events);

@@ -3,7 +3,6 @@
 #include "ui/library/export_bar.h"
 #include "ui/library/file_names.h"
 #include "ui/library/library_writer.h"
-#include "ui/library/recording_table.h"
 #include "ui/window.h"
 
 #include <QApplication>
@@ -32,6 +31,8 @@ constexpr int kResultShownMs = 10000;
 constexpr qsizetype kLongestAskedTitle = 200;
 constexpr qsizetype kMostShownLines = 15;
 constexpr qint64 kUnnoticedLossMs = 2000; // between the last progress and the end of the program
+constexpr qint64 kUnnoticedLossBytes = 64 * 1024;
+constexpr qint64 kLeastRestoredBytes = 4096; // more than a file's headers without any audio
 
 // A tool's last words may be higher than the screen. Of those the box shows the last lines without
 // the progress among them, because the reason stands there.
@@ -118,22 +119,32 @@ void Window::exportFinished(bool success, const QString& message) {
     refreshLibrary();
     selectionChanged();
     statusBar()->showMessage(message, kResultShownMs);
-    if (!problem.isEmpty())
+    if (!problem.isEmpty() && isVisible()) // a closed window has cancelled it
         showError(problem);
 }
 
 // Returns what the user has to know of it; empty when all went well.
 QString Window::completeRecovery() {
+    const qint64 restoredMs = exportJob.transcodedLength(); // 0 from a tool that does not tell
+    const qint64 restoredBytes = QFileInfo(recoveryTarget).size();
+    if (restoredMs <= 0 && restoredBytes < kLeastRestoredBytes) {
+        QFile::remove(recoveryTarget);
+        return u"Не удалось восстановить запись: в файле не найден звук. Исходный файл сохранён:\n%1"_s
+            .arg(exportSubject.path);
+    }
     const QString partial = std::exchange(exportSubject.path, recoveryTarget);
     exportSubject.status = u"ready"_s;
     writer->update(exportSubject);
     writer->addEvent(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
     // The tool takes a damaged stretch for the end and calls that a success.
-    if (exportJob.transcodedLength() + kUnnoticedLossMs < exportSubject.durationMs)
+    const qint64 partialBytes = QFileInfo(partial).size();
+    const bool lacksBytes = partialBytes > restoredBytes + restoredBytes / 4 &&
+                            partialBytes > restoredBytes + kUnnoticedLossBytes;
+    if (lacksBytes && restoredMs + kUnnoticedLossMs < exportSubject.durationMs)
         return u"Восстановлено %1 из %2. Исходный файл сохранён:\n%3"_s.arg(
-            formatDuration(exportJob.transcodedLength()), formatDuration(exportSubject.durationMs),
-            partial);
-    writer->removeFile(partial);
+            formatDuration(restoredMs), formatDuration(exportSubject.durationMs), partial);
+    if (writer->flush()) // else its row still names it
+        QFile::remove(partial);
     return {};
 }
 
@@ -166,7 +177,6 @@ void Window::deleteSelected() {
     if (!tryLibrary([&] { library->remove(recording.id); }))
         return;
     writer->forget(recording.id);
-    table->selectNeighbour();
     refreshLibrary();
 }
 
@@ -214,12 +224,13 @@ void Window::requestClose() {
 }
 
 void Window::closeEvent(QCloseEvent* event) {
-    const bool deferred = !isResting(state) && deferCloseToRecording();
-    if (deferred || (exportJob.isRunning() && !mayCancelExport())) {
-        event->ignore();
+    event->ignore();
+    if (!isResting(state) && deferCloseToRecording())
+        return;
+    if (exportJob.isRunning() && !mayCancelExport()) {
+        closePending = false;
         return;
     }
-    closing = true;
     exportJob.cancel();
     event->accept();
 }

@@ -97,14 +97,16 @@ void Window::selectionChanged() {
 }
 
 void Window::showDetails() {
-    const Recording* recording = selected();
-    if (!recording) {
-        details->clear();
-        return;
+    QString text;
+    if (const Recording* recording = selected()) {
+        QJsonArray events;
+        tryLibraryQuietly([&] { events = library->events(recording->id); });
+        text = detailsText(*recording, events);
     }
-    QJsonArray events;
-    tryLibraryQuietly([&] { events = library->events(recording->id); });
-    details->setPlainText(detailsText(*recording, events));
+    // Setting an equal text anew would lose the scroll position and what the user has marked.
+    if (text == std::exchange(shownDetails, text))
+        return;
+    details->setPlainText(text);
     details->viewport()->repaint(); // while the player opens the file, nothing is painted
 }
 

@@ -15,9 +15,8 @@ namespace {
 constexpr int kButtonHeight = 34; // px
 
 QPushButton* playbackButton(const QString& text, const QString& objectName) {
-    auto* button = new QPushButton(text);
+    QPushButton* button = tallButton(text, kButtonHeight);
     button->setObjectName(objectName);
-    button->setMinimumHeight(kButtonHeight);
     return button;
 }
 

@@ -3,10 +3,12 @@
 #include "ui/window.h"
 
 #include <QAudioDevice>
+#include <QLibraryInfo>
 #include <QMediaDevices>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QUrl>
+#include <QVersionNumber>
 
 #include <algorithm>
 #include <limits>
@@ -19,6 +21,11 @@ namespace {
 
 constexpr int kErrorShownMs = 15000;
 constexpr qint64 kSkipMs = 10000;
+
+bool isQt64WithFfmpeg() {
+    return QLibraryInfo::version() < QVersionNumber(6, 5) &&
+           qEnvironmentVariable("QT_MEDIA_BACKEND") == "ffmpeg"_L1;
+}
 
 int sliderValue(qint64 ms) {
     return static_cast<int>(std::min<qint64>(ms, std::numeric_limits<int>::max()));
@@ -73,7 +80,8 @@ void Window::loadPlayer(const QUrl& url) {
         return;
     const bool isAscii = std::all_of(path.cbegin(), path.cend(),
                                      [](QChar letter) { return letter.unicode() < 0x80; });
-    if (playedFile.openAudio(path) && (!isAscii || playedFile.isCut()))
+    playedFile.setFileName(path);
+    if (isQt64WithFfmpeg() && !isAscii && playedFile.open(QIODevice::ReadOnly))
         player.setSourceDevice(&playedFile, url);
     else
         player.setSource(url);
@@ -98,8 +106,8 @@ void Window::playSelected() {
     const Recording* recording = selected();
     if (!recording || !playbackPanel->playButton->isEnabled())
         return;
-    // Without a device the player's back end can't play and may even crash.
-    if (QMediaDevices::defaultAudioOutput().isNull()) {
+    // Without a device this back end would crash.
+    if (isQt64WithFfmpeg() && QMediaDevices::defaultAudioOutput().isNull()) {
         statusBar()->showMessage(u"Не удалось воспроизвести: нет устройства вывода звука"_s,
                                  kErrorShownMs);
         return;

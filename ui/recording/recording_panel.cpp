@@ -36,12 +36,6 @@ QString statusText(State state) {
     return u"Готов к записи"_s;
 }
 
-QPushButton* tallButton(const QString& text) {
-    auto* button = new QPushButton(text);
-    button->setMinimumHeight(kButtonHeight);
-    return button;
-}
-
 void setCaption(QLabel* label, LevelMeter* meter, const QString& caption) {
     label->setText(caption);
     meter->setAccessibleName(caption);
@@ -51,9 +45,9 @@ void setCaption(QLabel* label, LevelMeter* meter, const QString& caption) {
 
 RecordingPanel::RecordingPanel(QWidget* parent)
     : QGroupBox(u"Созвон"_s, parent),
-      recordButton(tallButton(u"●  Начать запись"_s)),
-      pauseButton(tallButton(u"Пауза"_s)),
-      stopButton(tallButton(u"Остановить"_s)) {
+      recordButton(tallButton(u"●  Начать запись"_s, kButtonHeight)),
+      pauseButton(tallButton(u"Пауза"_s, kButtonHeight)),
+      stopButton(tallButton(u"Остановить"_s, kButtonHeight)) {
     recordButton->setObjectName(u"record"_s);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(buildTitleRow());

@@ -1,6 +1,5 @@
 #include "engine/recorder_worker.h"
 #include "ui/library/library_writer.h"
-#include "ui/recording/level_relay.h"
 #include "ui/recording/microphone_permission.h"
 #include "ui/recording/new_recording.h"
 #include "ui/recording/recording_panel.h"
@@ -25,11 +24,7 @@ void Window::connectWorker() {
     connect(worker, &RecorderWorker::progress, this, &Window::recordingProgress);
     connect(worker, &RecorderWorker::sourceChanged, this, &Window::sourceChanged);
     connect(worker, &RecorderWorker::completed, this, &Window::recordingFinished);
-    auto* levelRelay = new LevelRelay;
-    levelRelay->moveToThread(&workerThread);
-    connect(&workerThread, &QThread::finished, levelRelay, &QObject::deleteLater);
-    connect(worker, &RecorderWorker::levels, levelRelay, &LevelRelay::add);
-    connect(levelRelay, &LevelRelay::levels, recordingPanel, &RecordingPanel::setLevels);
+    connect(worker, &RecorderWorker::levels, recordingPanel, &RecordingPanel::setLevels);
     workerThread.start();
 }
 
@@ -117,7 +112,10 @@ void Window::stateChanged(State newState) {
             writer->addEvent(current.id, u"resume"_s, {});
         writer->update(current);
     }
-    selectionChanged();
+    if (newState == State::Paused || oldState == State::Paused)
+        refreshLibrary(); // which looks at the selection too
+    else
+        selectionChanged();
 }
 
 void Window::recordingBegan(const QDateTime& startedUtc) {

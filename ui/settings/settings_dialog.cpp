@@ -75,6 +75,10 @@ SettingsDialog::SettingsDialog(const Settings& settings, QWidget* parent)
     connectControls();
 }
 
+SettingsDialog::~SettingsDialog() {
+    directoryField->disconnect(this); // it reports an edit when it loses its focus as it goes
+}
+
 void SettingsDialog::buildForm(QFormLayout* form, const Settings& settings) {
     kindCombo = comboOf({{u"Системное устройство вывода"_s, {}},
                          {u"Выбранная звуковая карта"_s, {}},

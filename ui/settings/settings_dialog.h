@@ -21,6 +21,7 @@ class SettingsDialog : public QDialog {
 
 public:
     SettingsDialog(const Settings& settings, QWidget* parent);
+    ~SettingsDialog() override;
 
     // Refills both combos, except one whose list is open. Emits signals: the owner ignores them.
     void showSources(const Settings& settings, const Catalog& catalog,
