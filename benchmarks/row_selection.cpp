@@ -17,17 +17,17 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kEvents = 1000;
 constexpr int kSelections = 51;
 constexpr int kPauseMs = 200; // between two selections, so that each finds the window at rest
 
-void fill(const QString& folder) {
+void fill(const QString& folder, int events) {
     qn::Library library(folder + u"/library.sqlite3"_s);
     for (const QString& id : {u"one"_s, u"two"_s}) {
         qn::Recording recording;
@@ -40,7 +40,7 @@ void fill(const QString& folder) {
         sample_recordings::ffmpeg({u"-f"_s, u"lavfi"_s, u"-i"_s, u"anoisesrc=d=60:r=48000"_s,
                                    u"-c:a"_s, u"libopus"_s, recording.path});
         library.insert(recording);
-        for (int i = 0; i < kEvents; ++i)
+        for (int i = 0; i < events; ++i)
             library.event(id, u"source"_s,
                           {{u"from"_s, u"alsa_output.pci-%1"_s.arg(i % 5)},
                            {u"to"_s, u"alsa_output.usb-%1"_s.arg(i % 7)},
@@ -67,7 +67,7 @@ public:
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     const QTemporaryDir folder;
-    fill(folder.path());
+    fill(folder.path(), std::atoi(argv[1])); // the journal's length
     qn::Window window(folder.path());
     window.show();
     auto* table = window.findChild<QTableWidget*>(u"recordings"_s);

@@ -3,6 +3,7 @@
 #include "engine/codec_arguments.h"
 #include "engine/input_url.h"
 #include "engine/tools.h"
+#include "export/stale_files.h"
 
 #include <QDir>
 #include <QFile>
@@ -109,8 +110,9 @@ void ExportJob::transcode(const Recording& recording, const QString& target, Aud
         return;
     }
     // Beside the target, so that both are on one volume.
-    const QDir folder(QFileInfo(target).absolutePath());
-    temporary = std::make_unique<QTemporaryFile>(folder.filePath(u".quorlin-export-XXXXXX"_s));
+    const QString folder = QFileInfo(target).absolutePath();
+    removeStaleFiles(folder);
+    temporary = std::make_unique<QTemporaryFile>(temporaryFileTemplate(folder));
     if (!temporary->open()) {
         complete(false, temporary->errorString());
         return;

@@ -2,6 +2,7 @@
 
 #include "core/version.h"
 #include "engine/recorder_worker.h"
+#include "export/stale_files.h"
 #include "storage/settings_store.h"
 #include "ui/common/layouts.h"
 #include "ui/common/shortcuts.h"
@@ -66,6 +67,7 @@ Window::Window(const QString& dataDirectory)
     connectPlayer();
     connectControls();
     adoptFinishedFiles();
+    removeStaleFiles(settings.directory);
     connectWorker();
     bindShortcuts();
     auto* catalogTimer = new QTimer(this);

@@ -53,6 +53,26 @@ private Q_SLOTS:
         QCOMPARE(QDir(folder.path()).entryList({u".*"_s, u"target?*"_s}, all), QStringList());
     }
 
+    void whatAKilledExportLeftGoesWithTheNext() {
+        const QString stem = u".quorlin-export-"_s;
+        const QString kept[] = {stem + u"opened"_s, stem + u"recent"_s, stem + u"a.txt"_s};
+        for (const QString& name : {stem + u"oldest"_s, kept[0], kept[1], kept[2]})
+            write(name, "x");
+        QFile opened(kept[0]);
+        QVERIFY(opened.open(QIODevice::ReadOnly));
+        for (const QString& name : {stem + u"oldest"_s, kept[0], kept[2]}) {
+            QFile file(name);
+            QVERIFY(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(QDateTime::currentDateTime().addSecs(-4000),
+                                     QFileDevice::FileModificationTime));
+        }
+        start(u"cut.opus"_s, AudioFormat::Mp3);
+        QTRY_COMPARE(messages.size(), 1);
+        QVERIFY(!QFile::exists(stem + u"oldest"_s));
+        for (const QString& name : kept)
+            QVERIFY2(QFile::remove(name), qPrintable(name)); // was there
+    }
+
     void everyRecordingBecomesEveryFormat() {
         for (const AudioFormat from : formats) {
             for (const AudioFormat to : formats) {

@@ -11,7 +11,7 @@ namespace qn {
 // on, spins for as long; and while it waits it gathers without a limit. Belongs to one thread.
 class ChildPipe {
 public:
-    ChildPipe(); // for want of descriptors a process can't be started with it
+    ChildPipe(); // without a free descriptor writePath is one that no process can open
     ~ChildPipe();
     ChildPipe(const ChildPipe&) = delete;
     ChildPipe& operator=(const ChildPipe&) = delete;
