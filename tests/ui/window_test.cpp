@@ -282,7 +282,7 @@ private Q_SLOTS:
             {"for last; do :; done; : >\"$last\"", 0, u"failed"_s, u"Не удалось восстановить"_s,
              true},
         };
-        for (const auto& [tool, extraBytes, expectedStatus, message, keepsOld] : rows) {
+        for (const Row& row : rows) {
             folder = std::make_unique<QTemporaryDir>();
             QSettings().setValue(u"audio/directory"_s, folder->filePath(u"calls"_s));
             open();
@@ -292,19 +292,21 @@ private Q_SLOTS:
             open();
             const QString interrupted = path();
             QFile file(interrupted);
-            QVERIFY(file.open(QIODevice::Append) && file.write(QByteArray(extraBytes, 'x')) >= 0);
+            QVERIFY(file.open(QIODevice::Append) &&
+                    file.write(QByteArray(row.extraBytes, 'x')) >= 0);
             file.close();
-            if (!message.isEmpty())
+            if (!row.message.isEmpty())
                 answers = {[&](QDialog* dialog) {
-                    QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().startsWith(message));
+                    QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().startsWith(row.message));
                     dialog->accept();
                 }};
-            useTool(R"(case "$*" in *-progress*) )" + tool + R"(;; *) exec ffmpeg "$@";; esac)");
+            useTool(R"(case "$*" in *-progress*) )" + row.tool +
+                    R"(;; *) exec ffmpeg "$@";; esac)");
             button(u"Восстановить"_s)->click();
             QTRY_VERIFY(answers.isEmpty());
             QTRY_VERIFY(button(u"Удалить"_s)->isEnabled());
-            QCOMPARE(status(), expectedStatus);
-            QCOMPARE(QFile::exists(interrupted), keepsOld);
+            QCOMPARE(status(), row.status);
+            QCOMPARE(QFile::exists(interrupted), row.keepsOld);
             QVERIFY(QFile::exists(path()));
             qunsetenv("QUORLIN_FFMPEG");
         }
