@@ -89,7 +89,7 @@ void RecorderWorker::refreshMicrophone() {
     const MicrophoneList list = microphone->list();
     const MicrophoneEntry* wanted = resolveMicrophone(settings.microphoneId, list);
     if (!microphoneId.isEmpty() &&
-        Clock::now() - lastMicrophoneBlock >= kLongestMicrophoneSilence) {
+        Clock::now() - lastBlock[TimelineMixer::kMicrophone] >= kLongestMicrophoneSilence) {
         microphoneLost();
         closeMicrophone();
         microphoneUnheard = true;
@@ -111,7 +111,7 @@ void RecorderWorker::startMicrophone(const MicrophoneEntry* wanted) {
         warning(u"Не удалось открыть микрофон"_s);
         return;
     }
-    lastMicrophoneBlock = Clock::now();
+    lastBlock[TimelineMixer::kMicrophone] = Clock::now();
     microphoneId = wanted->id;
     // A microphone that is opened in vain again and again is announced when it speaks.
     microphoneUnheard = microphoneUnheard && microphoneName == wanted->name;
@@ -138,7 +138,6 @@ void RecorderWorker::closeMicrophone() {
 void RecorderWorker::microphoneDelivered(const AudioBlock& block) {
     if (state != State::Recording)
         return;
-    lastMicrophoneBlock = Clock::now();
     if (std::exchange(microphoneUnheard, false))
         announceMicrophone();
     push(TimelineMixer::kMicrophone, block);

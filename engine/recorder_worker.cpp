@@ -24,6 +24,7 @@ namespace {
 
 constexpr auto kTick = 20ms;
 constexpr auto kWatchInterval = 1s;
+constexpr auto kLevelHolds = 500ms;
 constexpr std::chrono::nanoseconds kLatency = 250ms; // time for both inputs to deliver
 using Samples = std::chrono::duration<qint64, std::ratio<1, kTimelineRate>>;
 constexpr qint64 kSamplesPerMs = kTimelineRate / 1000;
@@ -135,8 +136,13 @@ void RecorderWorker::tick() {
     render(false);
     if (state != State::Recording)
         return;
-    Q_EMIT levels(mixer.level(TimelineMixer::kMicrophone), mixer.level(TimelineMixer::kFarSide));
+    Q_EMIT levels(currentLevel(TimelineMixer::kMicrophone), currentLevel(TimelineMixer::kFarSide));
     watch(Clock::now());
+}
+
+// The mixer's level falls only while blocks arrive: a side that delivers none is silent.
+float RecorderWorker::currentLevel(int input) const {
+    return Clock::now() - lastBlock[input] < kLevelHolds ? mixer.level(input) : 0;
 }
 
 void RecorderWorker::watch(Clock::time_point now) {
@@ -183,6 +189,7 @@ void RecorderWorker::render(bool flush) {
 }
 
 void RecorderWorker::push(int input, const AudioBlock& block) {
+    lastBlock[input] = Clock::now();
     try {
         mixer.push(input, block);
     } catch (const std::exception& exception) {

@@ -70,6 +70,7 @@ private:
     void restartTimeline();
     void openSources();
     qint64 samplesWritten() const;
+    float currentLevel(int input) const;
 
     void openBackends();
     void refreshSources();
@@ -102,8 +103,8 @@ private:
     qint64 accumulatedSamples = 0;  // of the segments that ended with a pause
     Clock::time_point lastRefresh;
     Clock::time_point lastProgress;
-    Clock::time_point lastMicrophoneBlock; // or when it was opened
-    bool microphoneUnheard = false;        // opened anew after a silence, and still silent
+    Clock::time_point lastBlock[2]; // by mixer input; the microphone's also when it was opened
+    bool microphoneUnheard = false; // opened anew after a silence, and still silent
     bool finishing = false;
 };
 

@@ -150,6 +150,7 @@ private:
     ExportBar* exportBar = nullptr;
     QTextEdit* details = nullptr;
     QString shownDetails;
+    QString farSideCaption; // the last source that was opened
 };
 
 } // namespace qn

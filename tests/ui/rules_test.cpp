@@ -1,6 +1,7 @@
 #include "tests/support/files.h"
 #include "ui/common/control_rules.h"
 #include "ui/library/file_names.h"
+#include "ui/recording/silence_watch.h"
 #include "ui/settings/source_items.h"
 
 using namespace qn;
@@ -29,6 +30,16 @@ private Q_SLOTS:
             const QList found{toFile, recover, rename, remove, openFolder, play};
             QVERIFY2(found == allowed, qPrintable(QString::number(row++)));
         }
+    }
+
+    void aSideIsCalledSilentAfterTenSecondsUntilItIsHeard() {
+        SilenceWatch watch;
+        watch.restart(500);
+        const std::tuple<float, qint64, qint64> rows[] = {
+            {0.003F, 10'400, 0},  {0.003F, 10'500, 10'000}, {0.0F, 13'700, 13'200},
+            {0.0032F, 13'900, 0}, {0.0F, 23'899, 0},        {0.0F, 23'900, 10'000}};
+        for (const auto& [level, now, silentMs] : rows)
+            QCOMPARE(watch.update(level, now), silentMs);
     }
 
     void aChosenSourceThatIsGoneStaysListed() {

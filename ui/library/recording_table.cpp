@@ -126,6 +126,7 @@ void RecordingTable::keepSelected(const QString& id) {
     // Otherwise the current row stays where it is: after a deletion that is the neighbour.
     selectRow(kept == rows.cend() ? std::max(currentRow(), 0)
                                   : static_cast<int>(kept - rows.cbegin()));
+    scrollToItem(item(currentRow(), 0));
 }
 
 const Recording* RecordingTable::selected() const {

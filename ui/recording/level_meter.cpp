@@ -38,6 +38,14 @@ void LevelMeter::setLevel(float level) {
     update(from, 0, to - from, height());
 }
 
+void LevelMeter::setWarning(const QString& text) {
+    if (text == warning)
+        return;
+    warning = text;
+    setAccessibleDescription(text);
+    update();
+}
+
 bool LevelMeter::event(QEvent* event) {
     const bool handled = QProgressBar::event(event);
     // Styles clear it when they polish a bar, and every level would repaint the panel behind it.
@@ -55,6 +63,14 @@ void LevelMeter::paintEvent(QPaintEvent*) {
     const int filled = filledWidth();
     painter.fillRect(0, 0, filled, height(), palette().highlight());
     painter.fillRect(filled, 0, width() - filled, height(), palette().mid());
+    if (!warning.isEmpty()) {
+        QFont small = font();
+        small.setPixelSize(height() - 3);
+        painter.setFont(small);
+        painter.fillRect(rect(), palette().base());
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(rect(), Qt::AlignCenter, warning);
+    }
 }
 
 int LevelMeter::filledWidth() const {

@@ -16,6 +16,9 @@ public:
     // A peak, full scale 1.0; clamped.
     void setLevel(float level);
 
+    // A text over the empty bar; empty for none.
+    void setWarning(const QString& text);
+
     QSize sizeHint() const override;
 
 protected:
@@ -25,6 +28,7 @@ protected:
 private:
     int filledWidth() const; // px
 
+    QString warning;
     int shown = 0; // the value as painted, at most one step behind
     QElapsedTimer sinceUpdate;
 };

@@ -10,6 +10,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <utility>
+
 namespace qn {
 
 using namespace Qt::StringLiterals;
@@ -88,6 +91,16 @@ QString RecordingPanel::title() const {
 
 void RecordingPanel::showState(State state) {
     const bool active = state == State::Recording || state == State::Paused;
+    if (std::exchange(isRecording, state == State::Recording) != isRecording) {
+        clock.start();
+        microphoneSilence.restart(0);
+        systemSilence.restart(0);
+        watchSilence(0, 0);
+    }
+    if (state == State::Starting) {
+        setMicrophoneCaption(u"Микрофон"_s);
+        setSystemCaption(u"Звук собеседников"_s);
+    }
     enable(recordButton, isResting(state));
     enable(titleField, isResting(state));
     enable(pauseButton, active);
@@ -104,6 +117,31 @@ void RecordingPanel::setElapsed(qint64 ms) {
 void RecordingPanel::setLevels(float microphone, float system) {
     microphoneMeter->setLevel(microphone);
     systemMeter->setLevel(system);
+    watchSilence(microphone, system);
+}
+
+void RecordingPanel::setMicrophoneUsed(bool used) {
+    microphoneMeter->setEnabled(used);
+}
+
+void RecordingPanel::watchSilence(float microphone, float system) {
+    const auto silentMs = [&](SilenceWatch& watch, LevelMeter* meter, float level) {
+        const bool expected = isRecording && meter->isEnabled();
+        const qint64 ms = expected ? watch.update(level, clock.elapsed()) : 0;
+        meter->setWarning(ms > 0 ? u"Тишина уже "_s + formatDuration(ms) : QString());
+        return ms;
+    };
+    const qint64 systemMs = silentMs(systemSilence, systemMeter, system);
+    const qint64 microphoneMs = silentMs(microphoneSilence, microphoneMeter, microphone);
+    QString text;
+    if (systemMs > 0)
+        text = u"Собеседников не слышно уже %1. Проверьте источник в настройках после остановки."_s;
+    else if (microphoneMs > 0)
+        text = u"Микрофон молчит уже %1. Не выключен ли он?"_s;
+    if (text == std::exchange(advice, text))
+        return;
+    Q_EMIT silenceChanged(
+        text.isEmpty() ? text : text.arg(formatDuration(std::max(systemMs, microphoneMs))));
 }
 
 void RecordingPanel::setMicrophoneCaption(const QString& caption) {

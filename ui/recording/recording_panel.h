@@ -1,7 +1,9 @@
 #pragma once
 
 #include "core/state.h"
+#include "ui/recording/silence_watch.h"
 
+#include <QElapsedTimer>
 #include <QGroupBox>
 
 class QLabel;
@@ -23,11 +25,19 @@ public:
 
     void showState(State state);
     void setElapsed(qint64 ms);
+    // While recording, a side that stays silent is named: see silent().
     void setLevels(float microphone, float system);
+    // Without a microphone nobody expects one to be heard.
+    void setMicrophoneUsed(bool used);
     void setMicrophoneCaption(const QString& caption);
     void setSystemCaption(const QString& caption);
     void setRecordEnabled(bool enabled);
 
+Q_SIGNALS:
+    // A side has been silent for long: what the user may do about it. Empty when none is any more.
+    void silenceChanged(const QString& advice);
+
+public:
     QPushButton* const recordButton;
     QPushButton* const pauseButton;
     QPushButton* const stopButton;
@@ -38,6 +48,7 @@ private:
     QWidget* buildMeterRow();
     void enable(QWidget* control, bool enabled);
     void passFocusTo(QPushButton* button);
+    void watchSilence(float microphone, float system);
 
     QLineEdit* titleField = nullptr;
     QLabel* elapsed = nullptr;
@@ -46,6 +57,11 @@ private:
     LevelMeter* microphoneMeter = nullptr;
     QLabel* systemCaption = nullptr;
     LevelMeter* systemMeter = nullptr;
+    QElapsedTimer clock;
+    SilenceWatch microphoneSilence;
+    SilenceWatch systemSilence;
+    QString advice; // of silenceChanged, as emitted last
+    bool isRecording = false;
 };
 
 } // namespace qn

@@ -1,3 +1,4 @@
+#include "core/text.h"
 #include "engine/recorder_worker.h"
 #include "ui/library/library_writer.h"
 #include "ui/recording/microphone_permission.h"
@@ -7,6 +8,7 @@
 #include "ui/window.h"
 
 #include <QDir>
+#include <QStatusBar>
 #include <QTemporaryFile>
 
 #include <utility>
@@ -14,6 +16,12 @@
 namespace qn {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kSavedShownMs = 10000;
+
+} // namespace
 
 void Window::connectWorker() {
     worker = new RecorderWorker;
@@ -25,6 +33,8 @@ void Window::connectWorker() {
     connect(worker, &RecorderWorker::sourceChanged, this, &Window::sourceChanged);
     connect(worker, &RecorderWorker::completed, this, &Window::recordingFinished);
     connect(worker, &RecorderWorker::levels, recordingPanel, &RecordingPanel::setLevels);
+    connect(recordingPanel, &RecordingPanel::silenceChanged, this,
+            [this](const QString& advice) { statusBar()->showMessage(advice); });
     workerThread.start();
 }
 
@@ -66,6 +76,8 @@ void Window::startRecording() {
         return;
     current = recording;
     recordingPanel->setElapsed(0);
+    recordingPanel->setMicrophoneUsed(settings.microphoneEnabled);
+    farSideCaption.clear();
     stateChanged(State::Starting);
     refreshLibrary();
     QMetaObject::invokeMethod(
@@ -133,10 +145,15 @@ void Window::recordingProgress(qint64 durationMs) {
 }
 
 void Window::sourceChanged(const QString& description, const QJsonObject& sourceDetails) {
-    if (sourceDetails.contains("microphone"_L1))
+    const bool isMicrophone = sourceDetails.contains("microphone"_L1);
+    if (isMicrophone)
         recordingPanel->setMicrophoneCaption(description);
     else
         recordingPanel->setSystemCaption(description);
+    if (sourceDetails.contains("to"_L1))
+        farSideCaption = description;
+    else if (isMicrophone && !farSideCaption.isEmpty())
+        recordingPanel->setSystemCaption(farSideCaption); // instead of the microphone's warning
     writer->addEvent(current.id, u"source"_s, sourceDetails);
 }
 
@@ -154,7 +171,10 @@ void Window::recordingFinished(const QString& path, qint64 durationMs, const QSt
     recordingPanel->setElapsed(durationMs);
     recordingPanel->setLevels(0, 0);
     refreshLibrary();
-    if (!error.isEmpty())
+    if (error.isEmpty())
+        statusBar()->showMessage(u"Сохранено: %1 (%2)"_s.arg(path, formatDuration(durationMs)),
+                                 kSavedShownMs);
+    else
         showError(error);
     if (closePending)
         requestClose();
