@@ -155,8 +155,8 @@ private Q_SLOTS:
             deliver({{1, "1234"_ba}});
             QVERIFY(blocks.isEmpty() && mac.faults.isEmpty());
             QCOMPARE(mac.live.size(), 2);
-            static QSet<void*> inUse; // reachable, so no leak
-            inUse.insert(mac.ioClientData);
+            static auto* inUse = new QSet<void*>; // reachable to the end, so no leak
+            inUse->insert(mac.ioClientData);
         }
         mac = {};
     }
