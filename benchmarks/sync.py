@@ -21,10 +21,10 @@ REACH = 2 * RATE  # how far from its expected place a piece is looked for
 
 
 def strongest(match, away_from=None):
-    """The place of the highest peak, at least 0.3 ms away from another."""
+    """The place of the highest peak, not beside another."""
     match = match.copy()
     if away_from is not None:
-        match[max(0, away_from - 14):away_from + 15] = 0
+        match[max(0, away_from - 1):away_from + 2] = 0
     return int(np.argmax(match))
 
 
@@ -43,7 +43,7 @@ def places(recording, noise, lead):
             near = far
             gain = match[far] / np.sum(noise[at:at + PIECE] ** 2)
             if gain < 1.2:  # 1.0 is the far side alone
-                raise RuntimeError("the microphone is not in the recording")
+                raise RuntimeError(f"the microphone is not in the recording: gain {gain:.2f}")
         result.append(((first + far - at) / RATE, (first + near - at) / RATE))
     return np.array(result)
 
