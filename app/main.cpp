@@ -14,6 +14,7 @@
 #include <QLocale>
 #include <QLockFile>
 #include <QMessageBox>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QTranslator>
@@ -89,6 +90,7 @@ int runWindow(const QString& dataDirectory, bool smokeTest) {
     try {
         const qn::TerminationSignals termination; // outlives the window, which may be saving
         qn::Window window(dataDirectory);
+        window.resize(window.size().boundedTo(window.screen()->availableSize()));
         window.show();
         QObject::connect(&termination, &qn::TerminationSignals::received, &window,
                          &qn::Window::saveAndClose);

@@ -79,6 +79,7 @@ Window::Window(const QString& dataDirectory)
     refreshCatalog();
     refreshLibrary();
     stateChanged(State::Idle);
+    recordingPanel->recordButton->setFocus();
 }
 
 Window::~Window() {
@@ -174,7 +175,7 @@ void Window::bindShortcuts() {
     QShortcut* const everywhere[] = {
         bindShortcut(this, {u"Ctrl+R"_s}, recordingPanel->recordButton),
         bindShortcut(this, {u"Ctrl+P"_s}, recordingPanel->pauseButton),
-        bindShortcut(this, {u"Ctrl+."_s}, recordingPanel->stopButton),
+        bindShortcut(this, {u"Ctrl+."_s, u"Ctrl+Ю"_s}, recordingPanel->stopButton),
         bindShortcut(this, quitKeys(), [this] { requestClose(); }),
     };
     for (QShortcut* shortcut : everywhere)
@@ -189,6 +190,7 @@ void Window::bindShortcuts() {
     bindShortcut(this, findKeys(), [this] { filterBar->focusSearch(); });
     bindLocalShortcut(table, deleteKeys(), [this] { deleteSelected(); });
     bindLocalShortcut(table, {Qt::Key_Space}, [this] { togglePlayback(); });
+    bindLocalShortcut(table, {Qt::Key_Return, Qt::Key_Enter}, [this] { playSelected(); });
     bindLocalShortcut(waveform, {Qt::Key_Space}, [this] { togglePlayback(); });
 }
 

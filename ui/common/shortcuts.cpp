@@ -43,6 +43,8 @@ private:
 } // namespace
 
 QShortcut* bindShortcut(QWidget* window, const Keys& keys, QAbstractButton* button) {
+    if (button->toolTip().isEmpty())
+        button->setToolTip(keys.first().toString(QKeySequence::NativeText));
     return bindShortcut(window, keys, [button] { button->click(); });
 }
 

@@ -14,6 +14,7 @@ ExportBar::ExportBar(QWidget* parent)
       cancelButton(new QPushButton(u"Отменить экспорт"_s)),
       progress(new QProgressBar) {
     progress->setAccessibleName(u"Ход экспорта"_s);
+    progress->setFormat(u"Экспорт: %p%"_s);
     layOutRow(this, {progress, cancelButton});
     showAll(false);
 }

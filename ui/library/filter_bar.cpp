@@ -24,6 +24,8 @@ FilterBar::FilterBar(QWidget* parent)
     search->setClearButtonEnabled(true);
     search->findChild<QToolButton*>()->setAccessibleName(u"Очистить поиск"_s);
     dateField->setCalendarPopup(true);
+    dateField->setLocale(QLocale(QLocale::Russian)); // weeks begin on Monday
+    dateField->setDisplayFormat(u"dd.MM.yyyy"_s);
     dateField->setEnabled(false);
     dateField->setAccessibleName(u"Дата созвона"_s);
 

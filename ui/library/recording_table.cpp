@@ -86,6 +86,8 @@ RecordingTable::RecordingTable(QWidget* parent) : QTableWidget(0, kColumns, pare
     setTabKeyNavigation(false); // Tab leaves the table
     setWordWrap(false);
     verticalHeader()->hide();
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     horizontalHeader()->setSectionResizeMode(kTitle, QHeaderView::Stretch);
     setItemDelegate(new OneLineDelegate(this));

@@ -10,6 +10,7 @@
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QStatusBar>
 #include <QTextEdit>
 #include <QUrl>
 
@@ -21,6 +22,8 @@ namespace qn {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int kMessageShownMs = 15000;
 
 QString libraryError(const QString& reason) {
     return u"Ошибка библиотеки: "_s + reason;
@@ -111,8 +114,12 @@ void Window::showDetails() {
 }
 
 void Window::openFolder() {
-    if (const Recording* recording = selected())
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(recording->path).absolutePath()));
+    const Recording* recording = selected();
+    if (!recording)
+        return;
+    const QString folder = QFileInfo(recording->path).absolutePath();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        statusBar()->showMessage(u"Не удалось открыть папку: "_s + folder, kMessageShownMs);
 }
 
 } // namespace qn

@@ -43,6 +43,8 @@ void Window::connectPlayer() {
     connect(&player, &QMediaPlayer::errorOccurred, this,
             [this](QMediaPlayer::Error, const QString& text) {
                 statusBar()->showMessage(u"Не удалось воспроизвести: "_s + text, kErrorShownMs);
+                // Not from within the player's own signal; a broken file would go on "playing".
+                QMetaObject::invokeMethod(&player, &QMediaPlayer::stop, Qt::QueuedConnection);
             });
     connect(waveform, &QSlider::sliderMoved, this,
             [this](int value) { playbackPanel->showPosition(value, player.duration()); });

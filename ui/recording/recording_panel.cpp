@@ -20,6 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kButtonHeight = 38; // px
+constexpr QColor kRecordingColour(0xd3, 0x2f, 0x2f);
 
 QString statusText(State state) {
     switch (state) {
@@ -71,6 +72,10 @@ QWidget* RecordingPanel::buildTitleRow() {
 
 QWidget* RecordingPanel::buildButtonRow() {
     status = new QLabel(u"Готов к записи"_s);
+    // As wide as its longer text, so that its neighbour stays where it is.
+    pauseButton->setText(u"Продолжить"_s);
+    pauseButton->setMinimumWidth(pauseButton->sizeHint().width());
+    pauseButton->setText(u"Пауза"_s);
     auto* row = rowOf({recordButton, pauseButton, stopButton, status});
     addStretch(row);
     return row;
@@ -107,6 +112,11 @@ void RecordingPanel::showState(State state) {
     enable(stopButton, active);
     pauseButton->setText(state == State::Paused ? u"Продолжить"_s : u"Пауза"_s);
     status->setText(statusText(state));
+    QPalette colours = palette();
+    if (state == State::Recording)
+        colours.setColor(QPalette::WindowText, kRecordingColour);
+    status->setPalette(colours);
+    elapsed->setPalette(colours);
     passFocusTo(active ? pauseButton : recordButton);
 }
 

@@ -70,7 +70,7 @@ SettingsDialog::SettingsDialog(const Settings& settings, QWidget* parent)
     auto* done = plainButton(u"Готово"_s);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(group);
-    layout->addWidget(done);
+    layout->addWidget(done, 0, Qt::AlignRight);
     connect(done, &QPushButton::clicked, this, &QDialog::accept);
     connectControls();
 }
