@@ -57,11 +57,11 @@ QStringList recordingArguments(const QString& path, AudioFormat format, const QD
 // input. Blocked rather than ignored, because ffmpeg sets handlers of its own.
 void outliveSignals() {
     ::setsid();
-    sigset_t signals;
-    sigemptyset(&signals);
+    sigset_t held;
+    sigemptyset(&held);
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
-        sigaddset(&signals, number);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
+        sigaddset(&held, number);
+    sigprocmask(SIG_BLOCK, &held, nullptr);
 }
 #endif
 

@@ -30,7 +30,7 @@ using Samples = std::chrono::duration<qint64, std::ratio<1, kTimelineRate>>;
 constexpr qint64 kSamplesPerMs = kTimelineRate / 1000;
 constexpr qint64 kLargestLag = qint64{4} * kTimelineRate;
 constexpr qint64 kLargestChunk = kTimelineRate / 10;
-constexpr qint64 kLeastFreeBytes = 1024 * 1024;
+constexpr qint64 kLeastFreeBytes = qint64{1024} * 1024;
 constexpr qsizetype kPartSuffixLength = 5; // ".part"
 
 } // namespace

@@ -31,7 +31,7 @@ constexpr int kResultShownMs = 10000;
 constexpr qsizetype kLongestAskedTitle = 200;
 constexpr qsizetype kMostShownLines = 15;
 constexpr qint64 kUnnoticedLossMs = 2000; // between the last progress and the end of the program
-constexpr qint64 kUnnoticedLossBytes = 64 * 1024;
+constexpr qint64 kUnnoticedLossBytes = 65536;
 constexpr qint64 kLeastRestoredBytes = 4096; // more than a file's headers without any audio
 
 // A tool's last words may be higher than the screen. Of those the box shows the last lines without
