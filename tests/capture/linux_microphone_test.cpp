@@ -96,8 +96,8 @@ private Q_SLOTS:
                  std::pair(u"webcam"_s, u"*webcam headset"_s),
                  std::pair(u"speakers.monitor"_s, u"*speakers.monitor webcam headset"_s),
              }) {
-            server->control(u"set-default-source "_s + chosen);
-            QTRY_COMPARE(ids(), expected);
+            QTRY_VERIFY( // PipeWire's session manager may lose a wish, and then has its own
+                server->control(u"set-default-source "_s + chosen).isEmpty() && ids() == expected);
         }
     }
 
