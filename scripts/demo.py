@@ -48,7 +48,7 @@ def record(place, program, call, out):
     library = out / "library" / "library.sqlite3"
     window = ProgramWindow(place, program, "--data-dir", library.parent)
     window.picture(out / "1-ready.png")
-    window.press("Tab")
+    window.press("shift+Tab")
     window.type(TITLE)
     window.press("ctrl+r")
     wait_for("the recording to begin",
