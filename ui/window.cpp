@@ -19,7 +19,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEvent>
-#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -59,7 +58,6 @@ Window::Window(const QString& dataDirectory)
       settings(loadSettings()) {
     library->markInterrupted();
     setWindowTitle(u"Quorlin"_s);
-    setWindowIcon(QIcon(u":/app-icon.png"_s));
     resize(kInitialSize);
     setMinimumSize(kSmallestSize);
     buildUi();
@@ -100,6 +98,7 @@ Window::~Window() {
 void Window::buildUi() {
     settingsDialog = new SettingsDialog(settings, this);
     recordingPanel = new RecordingPanel;
+    recordingPanel->setMicrophoneUsed(settings.microphoneEnabled);
     filterBar = new FilterBar;
     table = new RecordingTable;
     actionBar = new ActionBar;
@@ -214,6 +213,7 @@ void Window::savePreferences() {
         return;
     settings = settingsDialog->edited();
     saveSettings(settings);
+    recordingPanel->setMicrophoneUsed(settings.microphoneEnabled);
 }
 
 } // namespace qn

@@ -1,5 +1,6 @@
 #include "ui/playback/waveform_timeline.h"
 
+#include "ui/common/contrast.h"
 #include "ui/playback/peak_decoder.h"
 
 #include <QMouseEvent>
@@ -26,44 +27,7 @@ constexpr double kHeightExponent = 0.55;
 // Keeps the tallest bar inside the area.
 constexpr double kHalfLengthFactor = 0.45;
 
-// Contrast ratios that stay visible on the background.
-constexpr double kAccentContrast = 3.0;
-constexpr double kQuietContrast = 1.8;
-
-double luminance(const QColor& color) {
-    const auto linear = [](double part) {
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-           0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b) {
-    const double first = luminance(a);
-    const double second = luminance(b);
-    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
-}
-
-QColor blended(const QColor& from, const QColor& to, double share) {
-    const auto mixed = [share](int a, int b) { return qRound(a + (b - a) * share); };
-    return {mixed(from.red(), to.red()), mixed(from.green(), to.green()),
-            mixed(from.blue(), to.blue())};
-}
-
-// The colour itself where it stands out from the background, else the nearest one on its way to
-// black or white that does.
-QColor legible(const QColor& color, const QColor& background, double ratio) {
-    constexpr int kSteps = 32;
-    const QColor goal = contrast(Qt::white, background) > contrast(Qt::black, background)
-                            ? QColor(Qt::white)
-                            : QColor(Qt::black);
-    for (int step = 0; step < kSteps; ++step) {
-        const QColor candidate = blended(color, goal, double(step) / kSteps);
-        if (contrast(candidate, background) >= ratio)
-            return candidate;
-    }
-    return goal;
-}
+constexpr double kQuietContrast = 1.8; // still visible on the background
 
 QRectF areaOf(const QWidget& widget) {
     return QRectF(widget.rect()).adjusted(kMargin, kMargin, -kMargin, -kMargin);
@@ -175,7 +139,7 @@ void WaveformTimeline::paintEvent(QPaintEvent* /*event*/) {
     const double playhead = playheadX();
     const QColor base = palette().color(QPalette::Base);
     const QColor accent = legible(
-        palette().color(isEnabled() ? QPalette::Highlight : QPalette::Mid), base, kAccentContrast);
+        palette().color(isEnabled() ? QPalette::Highlight : QPalette::Mid), base, kPictureContrast);
 
     paintBackground(painter, area, playhead, accent);
     if (peaks.isEmpty())

@@ -4,15 +4,32 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace qn {
 
 namespace {
 constexpr int kHeight = 14; // px
 constexpr int kUpdateIntervalMs = 35;
+
+struct Zone {
+    double from; // dBFS
+    QColor colour;
+};
+
+// Speech is green; amber comes near full scale, red is as good as clipped. Each colour stands out
+// from a light background and from a dark one.
+constexpr std::array kZones{Zone{-60, {0x2e, 0x8b, 0x3d}}, Zone{-9, {0xc7, 0x77, 0x00}},
+                            Zone{-1, {0xd3, 0x2f, 0x2f}}};
+constexpr double kFloor = kZones.front().from;
+
+double decibels(float level) {
+    return level > 0.0F ? std::clamp(20 * std::log10(double(level)), kFloor, 0.0) : kFloor;
+}
 } // namespace
 
-LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent) {
+LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent), shown(kFloor) {
     setTextVisible(false);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setValue(0);
@@ -29,12 +46,12 @@ void LevelMeter::setLevel(float level) {
     }
     // The eye doesn't follow 50 pictures a second; silence, the last level of all, is always shown.
     const bool isTooSoon = sinceUpdate.isValid() && sinceUpdate.elapsed() < kUpdateIntervalMs;
-    if (percent == shown || (percent > 0 && isTooSoon))
+    if (level > 0 && isTooSoon)
         return;
     sinceUpdate.start();
-    const int before = filledWidth();
-    shown = percent;
-    const auto [from, to] = std::minmax({before, filledWidth()});
+    const int before = xOf(shown);
+    shown = decibels(level);
+    const auto [from, to] = std::minmax({before, xOf(shown)});
     update(from, 0, to - from, height());
 }
 
@@ -60,21 +77,25 @@ QSize LevelMeter::sizeHint() const {
 
 void LevelMeter::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const int filled = filledWidth();
-    painter.fillRect(0, 0, filled, height(), palette().highlight());
-    painter.fillRect(filled, 0, width() - filled, height(), palette().mid());
+    painter.fillRect(rect(), isEnabled() ? palette().base() : palette().mid());
+    const int end = xOf(warning.isEmpty() ? shown : kFloor);
+    for (const Zone& zone : kZones) {
+        const int start = xOf(zone.from);
+        painter.fillRect(start, 0, std::max(end - start, 0), height(), zone.colour);
+    }
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
     if (!warning.isEmpty()) {
         QFont small = font();
         small.setPixelSize(height() - 3);
         painter.setFont(small);
-        painter.fillRect(rect(), palette().base());
         painter.setPen(palette().color(QPalette::Text));
         painter.drawText(rect(), Qt::AlignCenter, warning);
     }
 }
 
-int LevelMeter::filledWidth() const {
-    return width() * shown / maximum();
+int LevelMeter::xOf(double decibels) const {
+    return static_cast<int>(width() * (1 - decibels / kFloor));
 }
 
 } // namespace qn

@@ -5,8 +5,9 @@
 
 namespace qn {
 
-// A level from 0 to 100 % as one filled bar. Updated 50 times a second while recording, so it
-// paints itself as two plain fills and both meters share one paint pass.
+// A level: its value is 0 to 100 % of full scale, its bar -60 to 0 dBFS in the usual colours.
+// Updated 50 times a second while recording, so it paints itself as plain fills and both meters
+// share one paint pass.
 class LevelMeter : public QProgressBar {
     Q_OBJECT
 
@@ -26,10 +27,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    int filledWidth() const; // px
+    int xOf(double decibels) const; // px
 
     QString warning;
-    int shown = 0; // the value as painted, at most one step behind
+    double shown; // dBFS, as painted; at most one step behind
     QElapsedTimer sinceUpdate;
 };
 

@@ -1,6 +1,8 @@
 #include "ui/recording/recording_panel.h"
 
 #include "core/text.h"
+#include "ui/common/announce.h"
+#include "ui/common/contrast.h"
 #include "ui/common/elided_label.h"
 #include "ui/common/layouts.h"
 #include "ui/recording/level_meter.h"
@@ -10,7 +12,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <utility>
 
 namespace qn {
@@ -20,7 +21,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kButtonHeight = 38; // px
-constexpr QColor kRecordingColour(0xd3, 0x2f, 0x2f);
 
 QString statusText(State state) {
     switch (state) {
@@ -40,9 +40,23 @@ QString statusText(State state) {
     return u"Готов к записи"_s;
 }
 
-void setCaption(QLabel* label, LevelMeter* meter, const QString& caption) {
+// Colours the label's text for something that has to be noticed, or lets it look as usual.
+void setAlarming(QLabel* label, bool alarming) {
+    QPalette colours;
+    if (alarming)
+        colours.setColor(QPalette::WindowText,
+                         legible(kAlarmColour,
+                                 label->parentWidget()->palette().color(QPalette::Window),
+                                 kTextContrast));
+    label->setPalette(colours);
+}
+
+void setCaption(QLabel* label, LevelMeter* meter, const QString& caption, bool isWarning) {
     label->setText(caption);
+    setAlarming(label, isWarning);
     meter->setAccessibleName(caption);
+    if (isWarning)
+        announce(label, caption);
 }
 
 } // namespace
@@ -67,6 +81,7 @@ QWidget* RecordingPanel::buildTitleRow() {
     titleField->setAccessibleName(u"Название созвона"_s);
     elapsed = new QLabel(u"00:00:00"_s);
     elapsed->setStyleSheet(u"font-size:30px;font-weight:600;font-family:monospace"_s);
+    elapsed->setAccessibleDescription(u"Длительность записи"_s);
     return rowOf({titleField, elapsed});
 }
 
@@ -111,12 +126,12 @@ void RecordingPanel::showState(State state) {
     enable(pauseButton, active);
     enable(stopButton, active);
     pauseButton->setText(state == State::Paused ? u"Продолжить"_s : u"Пауза"_s);
-    status->setText(statusText(state));
-    QPalette colours = palette();
-    if (state == State::Recording)
-        colours.setColor(QPalette::WindowText, kRecordingColour);
-    status->setPalette(colours);
-    elapsed->setPalette(colours);
+    if (status->text() != statusText(state)) {
+        status->setText(statusText(state));
+        announce(status, status->text());
+    }
+    for (QLabel* label : {status, elapsed})
+        setAlarming(label, state == State::Recording);
     passFocusTo(active ? pauseButton : recordButton);
 }
 
@@ -150,16 +165,19 @@ void RecordingPanel::watchSilence(float microphone, float system) {
         text = u"Микрофон молчит уже %1. Не выключен ли он?"_s;
     if (text == std::exchange(advice, text))
         return;
-    Q_EMIT silenceChanged(
-        text.isEmpty() ? text : text.arg(formatDuration(std::max(systemMs, microphoneMs))));
+    if (!text.isEmpty()) {
+        text = text.arg(formatDuration(systemMs > 0 ? systemMs : microphoneMs));
+        announce(systemMs > 0 ? systemMeter : microphoneMeter, text);
+    }
+    Q_EMIT silenceChanged(text);
 }
 
 void RecordingPanel::setMicrophoneCaption(const QString& caption) {
-    setCaption(microphoneCaption, microphoneMeter, caption);
+    setCaption(microphoneCaption, microphoneMeter, caption, false);
 }
 
-void RecordingPanel::setSystemCaption(const QString& caption) {
-    setCaption(systemCaption, systemMeter, caption);
+void RecordingPanel::setSystemCaption(const QString& caption, bool isWarning) {
+    setCaption(systemCaption, systemMeter, caption, isWarning);
 }
 
 void RecordingPanel::setRecordEnabled(bool enabled) {

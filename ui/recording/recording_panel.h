@@ -25,12 +25,12 @@ public:
 
     void showState(State state);
     void setElapsed(qint64 ms);
-    // While recording, a side that stays silent is named: see silent().
+    // While recording, a side that stays silent is named: see silenceChanged().
     void setLevels(float microphone, float system);
     // Without a microphone nobody expects one to be heard.
     void setMicrophoneUsed(bool used);
     void setMicrophoneCaption(const QString& caption);
-    void setSystemCaption(const QString& caption);
+    void setSystemCaption(const QString& caption, bool isWarning = false);
     void setRecordEnabled(bool enabled);
 
 Q_SIGNALS:

@@ -3,6 +3,7 @@
 #include "ui/library/library_writer.h"
 #include "ui/recording/microphone_permission.h"
 #include "ui/recording/new_recording.h"
+#include "ui/recording/recording_icon.h"
 #include "ui/recording/recording_panel.h"
 #include "ui/settings/settings_dialog.h"
 #include "ui/window.h"
@@ -76,7 +77,6 @@ void Window::startRecording() {
         return;
     current = recording;
     recordingPanel->setElapsed(0);
-    recordingPanel->setMicrophoneUsed(settings.microphoneEnabled);
     farSideCaption.clear();
     stateChanged(State::Starting);
     refreshLibrary();
@@ -113,6 +113,7 @@ void Window::microphoneAnswered(bool granted) {
 void Window::stateChanged(State newState) {
     const State oldState = std::exchange(state, newState);
     recordingPanel->showState(newState);
+    setWindowIcon(recordingIcon(newState == State::Recording));
     settingsDialog->setEditable(isResting(newState));
     if (newState == State::Paused) {
         current.status = u"paused"_s;
@@ -149,7 +150,7 @@ void Window::sourceChanged(const QString& description, const QJsonObject& source
     if (isMicrophone)
         recordingPanel->setMicrophoneCaption(description);
     else
-        recordingPanel->setSystemCaption(description);
+        recordingPanel->setSystemCaption(description, sourceDetails.contains("warning"_L1));
     if (sourceDetails.contains("to"_L1))
         farSideCaption = description;
     else if (isMicrophone && !farSideCaption.isEmpty())

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QIcon>
+
+namespace qn {
+
+// The program's icon; with a red dot while it records.
+QIcon recordingIcon(bool recording);
+
+} // namespace qn
