@@ -4,6 +4,8 @@
 #include "core/settings.h"
 #include "core/state.h"
 #include "core/version.h"
+#include "ui/common/message_box.h"
+#include "ui/library/library_error.h"
 #include "ui/window.h"
 
 #include <QApplication>
@@ -98,7 +100,12 @@ int runWindow(const QString& dataDirectory, bool smokeTest) {
             QTimer::singleShot(kSmokeTestDuration, Qt::CoarseTimer, qApp, &QCoreApplication::quit);
         return QApplication::exec();
     } catch (const std::exception& exception) {
-        QMessageBox::critical(nullptr, u"Quorlin"_s, QString::fromUtf8(exception.what()));
+        const QString text = QString::fromUtf8(exception.what());
+        QString note = u"Файл библиотеки: "_s + QDir(dataDirectory).filePath(u"library.sqlite3"_s);
+        if (const QString reason = qn::plainReason(text); !reason.isEmpty())
+            note += u" — "_s + reason;
+        qn::showBox(nullptr, QMessageBox::Critical, u"Quorlin"_s, text, QMessageBox::Ok,
+                    {.informative = note, .detailed = {}});
         return 1;
     }
 }

@@ -16,15 +16,19 @@
 #include "ui/recording/recording_panel.h"
 #include "ui/settings/settings_dialog.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QDir>
 #include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QStatusBar>
 #include <QTextEdit>
@@ -77,6 +81,7 @@ Window::Window(const QString& dataDirectory)
     refreshCatalog();
     refreshLibrary();
     stateChanged(State::Idle);
+    tellInterrupted();
     recordingPanel->recordButton->setFocus();
 }
 
@@ -95,6 +100,15 @@ Window::~Window() {
     writer->flush();
 }
 
+bool Window::event(QEvent* event) {
+    const bool handled = QMainWindow::event(event);
+    // Of the layout: larger fonts and the export's row need more than the smallest size.
+    if (event->type() == QEvent::LayoutRequest)
+        setMinimumSize(
+            minimumSizeHint().boundedTo(screen()->availableSize()).expandedTo(kSmallestSize));
+    return handled;
+}
+
 void Window::buildUi() {
     settingsDialog = new SettingsDialog(settings, this);
     recordingPanel = new RecordingPanel;
@@ -111,6 +125,7 @@ void Window::buildUi() {
     details->setMaximumHeight(kDetailsHeight);
     details->setTabChangesFocus(true);
     details->setAccessibleName(u"Сведения о записи"_s);
+    details->verticalScrollBar()->setAccessibleName(u"Прокрутка сведений"_s);
     details->setPlaceholderText(
         u"Выберите созвон для просмотра времени, файла и переключений источников"_s);
 
@@ -123,7 +138,8 @@ void Window::buildUi() {
                                          playbackPanel, exportBar, details})
         layout->addWidget(widget);
     setCentralWidget(central);
-    statusBar(); // now, or the table would jump with the first message
+    freeSpace = new QLabel;
+    statusBar()->addPermanentWidget(freeSpace); // now, or the table would jump with the first text
     buildMenu();
 }
 
@@ -142,11 +158,15 @@ QWidget* Window::buildHeader() {
 }
 
 void Window::buildMenu() {
-    menuBar()->addMenu(u"Справка"_s)->addAction(u"О программе"_s, this, [this] {
+    menuBar()->setAccessibleName(u"Меню"_s);
+    const auto about = [this] {
         QMessageBox::about(
             this, u"Quorlin"_s,
             u"Quorlin %1\nЗапись созвонов и локальная библиотека аудио."_s.arg(version()));
-    });
+    };
+    // Queued, or assistive technology that chose it would wait for the box to close.
+    connect(menuBar()->addMenu(u"Справка"_s)->addAction(u"О программе"_s), &QAction::triggered,
+            this, about, Qt::QueuedConnection);
 }
 
 void Window::connectControls() {
@@ -158,6 +178,7 @@ void Window::connectControls() {
     connect(filterBar, &FilterBar::changed, this, &Window::refreshLibrary);
     connect(table, &QTableWidget::itemSelectionChanged, this, &Window::selectionChanged);
     connect(table, &QTableWidget::cellDoubleClicked, this, &Window::playSelected);
+    connect(table, &QWidget::customContextMenuRequested, this, &Window::showContextMenu);
     connect(actionBar->exportButton, &QPushButton::clicked, this, &Window::exportSelected);
     connect(actionBar->recoverButton, &QPushButton::clicked, this, &Window::recoverSelected);
     connect(actionBar->renameButton, &QPushButton::clicked, this, &Window::renameSelected);

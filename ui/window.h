@@ -8,6 +8,7 @@
 #include "export/export_job.h"
 #include "storage/library.h"
 #include "ui/common/control_rules.h"
+#include "ui/common/message_box.h"
 
 #include <QAudioOutput>
 #include <QFile>
@@ -19,6 +20,7 @@
 #include <functional>
 #include <memory>
 
+class QLabel;
 class QTextEdit;
 
 namespace qn {
@@ -53,6 +55,7 @@ public:
     void saveAndClose();
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private Q_SLOTS:
@@ -70,7 +73,7 @@ private Q_SLOTS:
     void recoverSelected();
     void renameSelected();
     void deleteSelected();
-    void showError(const QString& message);
+    void showError(const QString& message, const qn::MessageNotes& notes = {});
 
 private:
     void buildUi();
@@ -88,14 +91,17 @@ private:
     void invokeWorker(void (RecorderWorker::*slot)());
     void recordingBegan(const QDateTime& startedUtc);
     void recordingProgress(qint64 durationMs);
+    void showFailure(const QString& error, const QString& path);
     void sourceChanged(const QString& description, const QJsonObject& details);
 
     // Throws what the library throws: one that can't be read at all ends the start.
     void adoptFinishedFiles();
+    void tellInterrupted();
     void showDetails();
     const Recording* selected() const;
     SelectionFacts selectionFacts() const;
     void openFolder();
+    void showContextMenu(const QPoint& place);
 
     void connectPlayer();
     void setPlayerSource(const QString& path);
@@ -116,6 +122,7 @@ private:
     // Nobody asked for this: one box, after the present work, until the library works again.
     void tryLibraryQuietly(const std::function<void()>& action);
     void libraryRefused(const QString& reason);
+    void showLibraryError(const QString& reason);
 
     std::unique_ptr<Library> library;
     std::unique_ptr<LibraryWriter> writer;          // for what may have to wait for the library
@@ -149,6 +156,7 @@ private:
     PlaybackPanel* playbackPanel = nullptr;
     ExportBar* exportBar = nullptr;
     QTextEdit* details = nullptr;
+    QLabel* freeSpace = nullptr; // in the status bar, while recording
     QString shownDetails;
     QString farSideCaption; // the last source that was opened
 };

@@ -8,6 +8,8 @@ namespace qn {
 
 namespace {
 
+constexpr int kButtonPadding = 16; // px, both sides
+
 void layOut(QBoxLayout::Direction direction, QWidget* panel,
             std::initializer_list<QWidget*> widgets) {
     auto* layout = new QBoxLayout(direction, panel);
@@ -37,6 +39,7 @@ QWidget* columnOf(std::initializer_list<QWidget*> widgets) {
 QPushButton* tallButton(const QString& text, int leastHeight) {
     auto* button = new QPushButton(text);
     button->setMinimumHeight(leastHeight);
+    button->setMinimumWidth(button->sizeHint().width() + kButtonPadding);
     return button;
 }
 

@@ -4,6 +4,9 @@
 
 #include <QWidget>
 
+#include <memory>
+
+class QMenu;
 class QPushButton;
 
 namespace qn {
@@ -16,6 +19,9 @@ public:
     explicit ActionBar(QWidget* parent = nullptr);
 
     void apply(const ActionRules& rules);
+
+    // The same commands as a menu of its own; the caller may add more and shows it.
+    std::unique_ptr<QMenu> menu() const;
 
     QPushButton* const exportButton;
     QPushButton* const recoverButton;

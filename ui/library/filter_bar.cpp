@@ -48,6 +48,10 @@ QDate FilterBar::date() const {
     return dateCheck->isChecked() ? dateField->date() : QDate();
 }
 
+bool FilterBar::isFiltering() const {
+    return !searchText().isEmpty() || date().isValid();
+}
+
 void FilterBar::focusSearch() {
     search->setFocus(Qt::ShortcutFocusReason);
     search->selectAll();

@@ -18,6 +18,7 @@ public:
 
     QString searchText() const;
     QDate date() const; // invalid while the date filter is off
+    bool isFiltering() const;
 
     // Puts the cursor into the search field with its text selected.
     void focusSearch();

@@ -1,14 +1,21 @@
 #include "ui/library/recording_table.h"
 
 #include "core/text.h"
+#include "ui/common/contrast.h"
 #include "ui/library/recording_text.h"
 
+#include <QFileInfo>
 #include <QFontMetricsF>
 #include <QHeaderView>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
 #include <QSet>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QStyledItemDelegate>
+#include <QTextDocument>
+#include <QUrl>
 #include <QtMath>
 
 #include <algorithm>
@@ -22,6 +29,9 @@ namespace {
 enum Column { kTitle, kStarted, kEnded, kDuration, kFormat, kStatus, kColumns };
 
 constexpr qsizetype kLongestShownTitle = 500;
+constexpr int kLeastShownRows = 3;
+constexpr int kHintMargin = 40; // px
+constexpr QColor kAttentionColour(0xb2, 0x6a, 0x00);
 constexpr int kMostMeasuredRows = 1000; // as many as the header's own precision takes
 
 // A cell that never holds a text of its own. Rows come and go at the table's end only, so its place
@@ -32,9 +42,19 @@ public:
         : table(owner), cellRow(atRow), cellColumn(atColumn) {}
 
     QVariant data(int role) const override {
-        return role == Qt::DisplayRole || role == Qt::EditRole
-                   ? QVariant(table.cellText(cellRow, cellColumn))
-                   : QTableWidgetItem::data(role);
+        switch (role) {
+        case Qt::DisplayRole:
+        case Qt::EditRole:
+            return table.cellText(cellRow, cellColumn);
+        case Qt::ForegroundRole:
+            if (const QColor colour = table.cellColour(cellRow, cellColumn); colour.isValid())
+                return colour;
+            return {};
+        case Qt::ToolTipRole:
+            return table.toolTipOf(cellRow);
+        default:
+            return QTableWidgetItem::data(role);
+        }
     }
 
 private:
@@ -57,7 +77,18 @@ public:
         }
         return text;
     }
+
+protected:
+    // The current cell looks like the rest of its row.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->state &= ~QStyle::State_HasFocus;
+    }
 };
+
+bool hasFile(const Recording& recording) {
+    return recording.status == "starting"_L1 || QFileInfo::exists(recording.path);
+}
 
 bool looksSame(const Recording& a, const Recording& b) {
     return a.id == b.id && a.started == b.started && a.ended == b.ended &&
@@ -91,6 +122,9 @@ RecordingTable::RecordingTable(QWidget* parent) : QTableWidget(0, kColumns, pare
     horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     horizontalHeader()->setSectionResizeMode(kTitle, QHeaderView::Stretch);
     setItemDelegate(new OneLineDelegate(this));
+    setDragDropMode(DragOnly);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    verticalScrollBar()->setAccessibleName(u"Прокрутка списка записей"_s);
 }
 
 void RecordingTable::setRows(const QList<Recording>& recordings) {
@@ -156,6 +190,67 @@ QString RecordingTable::cellText(int row, int column) const {
     default:
         return {};
     }
+}
+
+QColor RecordingTable::cellColour(int row, int column) const {
+    if (row < 0 || row >= rows.size())
+        return {};
+    const Recording& recording = rows.at(row);
+    if (!hasFile(recording))
+        return palette().color(QPalette::Disabled, QPalette::Text);
+    if (column != kStatus ||
+        (recording.status != "failed"_L1 && recording.status != "interrupted"_L1))
+        return {};
+    return legible(recording.status == "failed"_L1 ? kAlarmColour : kAttentionColour,
+                   palette().color(QPalette::Base), kTextContrast);
+}
+
+QString RecordingTable::toolTipOf(int row) const {
+    if (row < 0 || row >= rows.size())
+        return {};
+    const Recording& recording = rows.at(row);
+    const QString file =
+        hasFile(recording)
+            ? QLocale(QLocale::Russian)
+                  .formattedDataSize(QFileInfo(recording.path).size(), 1, QLocale::DataSizeSIFormat)
+            : u"Аудиофайл не найден"_s;
+    return Qt::convertFromPlainText(recording.title.left(kLongestShownTitle) + u'\n' + file);
+}
+
+void RecordingTable::setHint(const QString& text) {
+    hint = text;
+    setAccessibleDescription(rows.isEmpty() ? hint : QString());
+    viewport()->update();
+}
+
+void RecordingTable::paintEvent(QPaintEvent* event) {
+    QTableWidget::paintEvent(event);
+    if (!rows.isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(kHintMargin, 0, -kHintMargin, 0),
+                     Qt::AlignCenter | Qt::TextWordWrap, hint);
+}
+
+// As a file, which whoever takes it copies; it stays where it is.
+void RecordingTable::startDrag(Qt::DropActions /*actions*/) {
+    QTableWidget::startDrag(Qt::CopyAction);
+}
+
+QMimeData* RecordingTable::mimeData(const QList<QTableWidgetItem*>& /*items*/) const {
+    const Recording* recording = selected();
+    if (!recording || !QFileInfo(recording->path).isFile())
+        return nullptr;
+    auto* file = new QMimeData;
+    file->setUrls({QUrl::fromLocalFile(recording->path)});
+    return file;
+}
+
+QSize RecordingTable::minimumSizeHint() const {
+    const int height = horizontalHeader()->sizeHint().height() +
+                       kLeastShownRows * verticalHeader()->defaultSectionSize() + 2 * frameWidth();
+    return {QTableWidget::minimumSizeHint().width(), height};
 }
 
 // Measures every shape of text once, taking each digit for the widest one.

@@ -19,19 +19,32 @@ public:
     // the first. Emits nothing: the caller looks at the selection afterwards.
     void setRows(const QList<Recording>& recordings);
 
+    // Shown while there are no rows.
+    void setHint(const QString& text);
+
     // Of the current row; null without one. Valid until the next setRows.
     const Recording* selected() const;
 
     // What the cell shows; empty outside the table.
     QString cellText(int row, int column) const;
 
+    QColor cellColour(int row, int column) const; // of its text; invalid for the usual one
+    QString toolTipOf(int row) const;
+
     int sizeHintForColumn(int column) const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
+    QMimeData* mimeData(const QList<QTableWidgetItem*>& items) const override;
 
 private:
     void resizeTo(int count);
     void keepSelected(const QString& id);
 
     QList<Recording> rows;
+    QString hint;
 };
 
 } // namespace qn

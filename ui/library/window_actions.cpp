@@ -12,14 +12,11 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QWindow>
 
-#include <algorithm>
 #include <utility>
 
 namespace qn {
@@ -29,33 +26,10 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int kResultShownMs = 10000;
 constexpr qsizetype kLongestAskedTitle = 200;
-constexpr qsizetype kMostShownLines = 15;
+constexpr int kRenameWidth = 420;         // px
 constexpr qint64 kUnnoticedLossMs = 2000; // between the last progress and the end of the program
 constexpr qint64 kUnnoticedLossBytes = 65536;
 constexpr qint64 kLeastRestoredBytes = 4096; // more than a file's headers without any audio
-
-// A tool's last words may be higher than the screen. Of those the box shows the last lines without
-// the progress among them, because the reason stands there.
-QString fitting(const QString& text) {
-    QStringList lines = text.split(u'\n');
-    if (lines.size() <= kMostShownLines)
-        return text;
-    const QString first = lines.takeFirst();
-    static const QRegularExpression progress(u"^\\w+=\\s*\\S*$"_s);
-    lines.erase(std::remove_if(lines.begin(), lines.end(),
-                               [](const QString& line) { return progress.match(line).hasMatch(); }),
-                lines.end());
-    return first + u"\n…\n"_s +
-           lines.mid(std::max<qsizetype>(lines.size() - kMostShownLines, 0)).join(u'\n');
-}
-
-// Titles and tools' messages come from outside: nothing of them is taken for markup.
-QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, const QString& title,
-                                    const QString& text, QMessageBox::StandardButtons buttons) {
-    QMessageBox box(icon, title, fitting(text), buttons, parent);
-    box.setTextFormat(Qt::PlainText);
-    return static_cast<QMessageBox::StandardButton>(box.exec());
-}
 
 QString shortened(const QString& title) {
     return title.size() > kLongestAskedTitle ? title.left(kLongestAskedTitle) + u'…' : title;
@@ -67,9 +41,9 @@ bool Window::confirm(const QString& title, const QString& question) {
                    QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
-void Window::showError(const QString& message) {
+void Window::showError(const QString& message, const MessageNotes& notes) {
     if (!closing)
-        showBox(this, QMessageBox::Warning, u"Quorlin"_s, message, QMessageBox::Ok);
+        showBox(this, QMessageBox::Warning, u"Quorlin"_s, message, QMessageBox::Ok, notes);
 }
 
 void Window::exportSelected() {
@@ -153,10 +127,13 @@ void Window::renameSelected() {
     if (!row)
         return;
     const Recording recording = *row;
-    bool accepted = false;
-    const QString title = QInputDialog::getText(this, u"Название созвона"_s, u"Название"_s,
-                                                QLineEdit::Normal, recording.title, &accepted)
-                              .trimmed();
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(u"Название созвона"_s);
+    dialog.setLabelText(u"Название"_s);
+    dialog.setTextValue(recording.title);
+    dialog.resize(kRenameWidth, dialog.sizeHint().height());
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const QString title = dialog.textValue().trimmed();
     if (accepted && !title.isEmpty() && tryLibrary([&] { library->rename(recording.id, title); }))
         refreshLibrary();
 }

@@ -1,19 +1,25 @@
 #include "ui/library/action_bar.h"
 #include "ui/library/filter_bar.h"
 #include "ui/library/finished_files.h"
+#include "ui/library/library_error.h"
 #include "ui/library/library_writer.h"
 #include "ui/library/recording_table.h"
 #include "ui/library/recording_text.h"
 #include "ui/playback/waveform_timeline.h"
 #include "ui/window.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QJsonArray>
+#include <QMenu>
 #include <QStatusBar>
 #include <QTextEdit>
 #include <QUrl>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -25,10 +31,6 @@ namespace {
 
 constexpr int kMessageShownMs = 15000;
 
-QString libraryError(const QString& reason) {
-    return u"Ошибка библиотеки: "_s + reason;
-}
-
 } // namespace
 
 bool Window::tryLibrary(const std::function<void()>& action) {
@@ -36,7 +38,7 @@ bool Window::tryLibrary(const std::function<void()>& action) {
         action();
         return true;
     } catch (const std::exception& exception) {
-        showError(libraryError(QString::fromUtf8(exception.what())));
+        showLibraryError(QString::fromUtf8(exception.what()));
         return false;
     }
 }
@@ -54,7 +56,16 @@ void Window::tryLibraryQuietly(const std::function<void()>& action) {
 void Window::libraryRefused(const QString& reason) {
     if (!std::exchange(libraryErrorShown, true))
         QMetaObject::invokeMethod(
-            this, [this, reason] { showError(libraryError(reason)); }, Qt::QueuedConnection);
+            this, [this, reason] { showLibraryError(reason); }, Qt::QueuedConnection);
+}
+
+void Window::showLibraryError(const QString& reason) {
+    const QString plain = plainReason(reason);
+    const QString text = u"Ошибка библиотеки: "_s;
+    if (plain.isEmpty())
+        showError(text + reason);
+    else
+        showError(text + plain, {.informative = {}, .detailed = reason});
 }
 
 void Window::adoptFinishedFiles() {
@@ -68,7 +79,20 @@ void Window::refreshLibrary() {
         return;
     tryLibraryQuietly([this] { rows = library->list(filterBar->searchText(), filterBar->date()); });
     table->setRows(rows);
+    table->setHint(filterBar->isFiltering()
+                       ? u"Ничего не найдено. Измените запрос или снимите флажок «Дата»."_s
+                       : u"Здесь появятся ваши записи. Нажмите «●  Начать запись»: Quorlin запишет "
+                         "собеседников и ваш микрофон в один файл."_s);
     selectionChanged();
+}
+
+void Window::tellInterrupted() {
+    const auto count = std::count_if(rows.cbegin(), rows.cend(), [](const Recording& recording) {
+        return recording.status == "interrupted"_L1;
+    });
+    if (count > 0)
+        statusBar()->showMessage(
+            u"Есть прерванные записи: %1. Выделите запись и нажмите «Восстановить»."_s.arg(count));
 }
 
 const Recording* Window::selected() const {
@@ -120,6 +144,17 @@ void Window::openFolder() {
     const QString folder = QFileInfo(recording->path).absolutePath();
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
         statusBar()->showMessage(u"Не удалось открыть папку: "_s + folder, kMessageShownMs);
+}
+
+void Window::showContextMenu(const QPoint& place) {
+    const Recording* recording = selected();
+    if (!recording)
+        return;
+    const std::unique_ptr<QMenu> menu = actionBar->menu();
+    menu->addAction(u"Копировать путь"_s, [path = recording->path] {
+        QGuiApplication::clipboard()->setText(QDir::toNativeSeparators(path));
+    });
+    menu->exec(table->viewport()->mapToGlobal(place));
 }
 
 } // namespace qn

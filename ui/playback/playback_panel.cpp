@@ -46,6 +46,7 @@ PlaybackPanel::PlaybackPanel(QWidget* parent)
     backButton->setToolTip(u"Перемотать на 10 секунд назад"_s);
     forwardButton->setToolTip(u"Перемотать на 10 секунд вперёд"_s);
     pauseButton->setAccessibleName(u"Пауза воспроизведения"_s);
+    position->setAccessibleDescription(u"Позиция и длина записи"_s);
     showPosition(0, 0);
 
     layOutRow(this, {playButton, pauseButton, backButton, forwardButton, position});

@@ -1,5 +1,6 @@
 #include "ui/playback/waveform_timeline.h"
 
+#include "core/text.h"
 #include "ui/common/contrast.h"
 #include "ui/playback/peak_decoder.h"
 
@@ -65,6 +66,14 @@ WaveformTimeline::~WaveformTimeline() {
     interruptDecoders();
     for (QThread* thread : std::as_const(decoders))
         thread->wait();
+}
+
+// Its value is read as milliseconds, which nobody understands.
+void WaveformTimeline::sliderChange(SliderChange change) {
+    QSlider::sliderChange(change);
+    const QString time = formatDuration(sliderPosition()) + u" / "_s + formatDuration(maximum());
+    if (time != accessibleDescription())
+        setAccessibleDescription(time);
 }
 
 void WaveformTimeline::setAudioFile(const QString& path) {

@@ -30,6 +30,7 @@ Q_SIGNALS:
     void waveformReady(bool ok);
 
 protected:
+    void sliderChange(SliderChange change) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

@@ -64,7 +64,7 @@ void setCaption(QLabel* label, LevelMeter* meter, const QString& caption, bool i
 RecordingPanel::RecordingPanel(QWidget* parent)
     : QGroupBox(u"Созвон"_s, parent),
       recordButton(tallButton(u"●  Начать запись"_s, kButtonHeight)),
-      pauseButton(tallButton(u"Пауза"_s, kButtonHeight)),
+      pauseButton(tallButton(u"Продолжить"_s, kButtonHeight)),
       stopButton(tallButton(u"Остановить"_s, kButtonHeight)) {
     recordButton->setObjectName(u"record"_s);
     auto* layout = new QVBoxLayout(this);
@@ -87,10 +87,7 @@ QWidget* RecordingPanel::buildTitleRow() {
 
 QWidget* RecordingPanel::buildButtonRow() {
     status = new QLabel(u"Готов к записи"_s);
-    // As wide as its longer text, so that its neighbour stays where it is.
-    pauseButton->setText(u"Продолжить"_s);
-    pauseButton->setMinimumWidth(pauseButton->sizeHint().width());
-    pauseButton->setText(u"Пауза"_s);
+    pauseButton->setText(u"Пауза"_s); // as wide as its longer text: its neighbour stays in place
     auto* row = rowOf({recordButton, pauseButton, stopButton, status});
     addStretch(row);
     return row;

@@ -1,6 +1,8 @@
 #include "core/text.h"
 #include "engine/recorder_worker.h"
+#include "engine/tools.h"
 #include "ui/library/library_writer.h"
+#include "ui/recording/free_space.h"
 #include "ui/recording/microphone_permission.h"
 #include "ui/recording/new_recording.h"
 #include "ui/recording/recording_icon.h"
@@ -8,7 +10,10 @@
 #include "ui/settings/settings_dialog.h"
 #include "ui/window.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QLabel>
 #include <QStatusBar>
 #include <QTemporaryFile>
 
@@ -115,6 +120,8 @@ void Window::stateChanged(State newState) {
     recordingPanel->showState(newState);
     setWindowIcon(recordingIcon(newState == State::Recording));
     settingsDialog->setEditable(isResting(newState));
+    if (isResting(newState))
+        freeSpace->clear();
     if (newState == State::Paused) {
         current.status = u"paused"_s;
         writer->addEvent(current.id, u"pause"_s, {});
@@ -143,6 +150,7 @@ void Window::recordingProgress(qint64 durationMs) {
     current.durationMs = durationMs;
     current.ended = QDateTime::currentDateTimeUtc();
     writer->update(current);
+    freeSpace->setText(freeSpaceText(settings.directory, settings.format));
 }
 
 void Window::sourceChanged(const QString& description, const QJsonObject& sourceDetails) {
@@ -156,6 +164,16 @@ void Window::sourceChanged(const QString& description, const QJsonObject& source
     else if (isMicrophone && !farSideCaption.isEmpty())
         recordingPanel->setSystemCaption(farSideCaption); // instead of the microphone's warning
     writer->addEvent(current.id, u"source"_s, sourceDetails);
+}
+
+void Window::showFailure(const QString& error, const QString& path) {
+    QString advice;
+    if (QFileInfo::exists(path))
+        advice = u"Записанное до ошибки сохранено. Выделите запись и нажмите «Восстановить»."_s;
+    else if (const QString tool = ffmpegPath(); !tool.isEmpty())
+        advice = u"Программа ffmpeg не запускается: %1"_s.arg(tool);
+    QApplication::alert(this); // behind other windows nobody would see the box
+    showError(error, {.informative = advice, .detailed = {}});
 }
 
 void Window::recordingFinished(const QString& path, qint64 durationMs, const QString& error) {
@@ -176,7 +194,7 @@ void Window::recordingFinished(const QString& path, qint64 durationMs, const QSt
         statusBar()->showMessage(u"Сохранено: %1 (%2)"_s.arg(path, formatDuration(durationMs)),
                                  kSavedShownMs);
     else
-        showError(error);
+        showFailure(error, path);
     if (closePending)
         requestClose();
 }

@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace qn {
 
 using namespace Qt::StringLiterals;
@@ -43,11 +45,25 @@ QComboBox* comboOf(const QList<ComboItem>& items) {
     return combo;
 }
 
+void explainFormats(QComboBox* combo) {
+    const QStringList tips{u"Около 29 МБ в час; открывается в браузере и VLC"_s,
+                           u"Около 58 МБ в час; открывается везде"_s,
+                           u"Около 346 МБ в час; без сжатия"_s};
+    for (int i = 0; i < tips.size(); ++i)
+        combo->setItemData(i, tips[i], Qt::ToolTipRole);
+    const auto explainCurrent = [combo] {
+        combo->setToolTip(combo->currentData(Qt::ToolTipRole).toString());
+    };
+    explainCurrent();
+    QObject::connect(combo, &QComboBox::currentIndexChanged, combo, explainCurrent);
+}
+
 bool holds(const QComboBox* combo, const ComboContents& contents) {
     QList<ComboItem> items;
     for (int i = 0; i < combo->count(); ++i)
         items.append({combo->itemText(i), combo->itemData(i)});
-    return items == contents.items && combo->currentIndex() == contents.current;
+    return items == contents.items && combo->currentIndex() == contents.current &&
+           combo->placeholderText() == contents.placeholder;
 }
 
 void fill(QComboBox* combo, const ComboContents& contents) {
@@ -55,6 +71,7 @@ void fill(QComboBox* combo, const ComboContents& contents) {
     if (combo->view()->isVisible() || holds(combo, contents))
         return;
     combo->clear();
+    combo->setPlaceholderText(contents.placeholder);
     for (const ComboItem& item : contents.items)
         combo->addItem(item.text, item.data);
     combo->setCurrentIndex(contents.current);
@@ -87,11 +104,14 @@ void SettingsDialog::buildForm(QFormLayout* form, const Settings& settings) {
     sourceCombo = deviceCombo();
     microphoneCheck = new QCheckBox(u"Добавлять микрофон в запись"_s);
     microphoneCheck->setChecked(settings.microphoneEnabled);
+    microphoneCheck->setToolTip(
+        u"Слушайте собеседников в наушниках: из колонок их голоса попадут и в микрофон"_s);
     microphoneCombo = deviceCombo();
     formatCombo = comboOf({{u"Opus — 64 кбит/с (по умолчанию)"_s, toText(AudioFormat::Opus)},
                            {u"MP3 — 128 кбит/с"_s, toText(AudioFormat::Mp3)},
                            {u"WAV — PCM 16 бит"_s, toText(AudioFormat::Wav)}});
     formatCombo->setCurrentIndex(formatCombo->findData(toText(settings.format)));
+    explainFormats(formatCombo);
     directoryField = new QLineEdit(settings.directory);
     directoryField->setAccessibleName(u"Папка записей"_s);
     auto* browse = plainButton(u"Выбрать…"_s);
@@ -136,6 +156,12 @@ void SettingsDialog::showSources(const Settings& settings, const Catalog& catalo
     fill(microphoneCombo, microphoneItems(settings, microphones));
 }
 
+// The note wraps: with larger fonts it takes more lines than the initial size has room for.
+void SettingsDialog::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    resize(width(), std::max(height(), layout()->totalHeightForWidth(width())));
+}
+
 Settings SettingsDialog::edited() const {
     Settings settings;
     settings.sourceKind = kindCombo->currentIndex();
@@ -149,6 +175,7 @@ Settings SettingsDialog::edited() const {
 
 void SettingsDialog::setEditable(bool editable) {
     group->setEnabled(editable);
+    group->setToolTip(editable ? QString() : u"Во время записи настройки не меняются"_s);
 }
 
 } // namespace qn

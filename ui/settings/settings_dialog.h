@@ -36,6 +36,9 @@ Q_SIGNALS:
     void sourceKindChanged(int kind);
     void changed();
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void buildForm(QFormLayout* form, const Settings& settings);
     void connectControls();

@@ -30,7 +30,7 @@ ComboContents systemItem(const Catalog& catalog) {
         if (output.id == catalog.defaultOutput)
             name = output.name;
     }
-    return {.items = {{name, {}}}, .current = 0, .enabled = false};
+    return {.items = {{name, {}}}, .current = 0, .enabled = false, .placeholder = {}};
 }
 
 } // namespace
@@ -40,6 +40,8 @@ ComboContents sourceItems(const Settings& settings, const Catalog& catalog) {
     if (kind == SourceKind::System)
         return systemItem(catalog);
     ComboContents contents;
+    if (kind == SourceKind::Application)
+        contents.placeholder = u"Нет приложений со звуком"_s;
     const auto& entries = kind == SourceKind::Application ? catalog.applications : catalog.outputs;
     for (const SourceEntry& entry : entries)
         contents.items.append({entry.name, entry.id});

@@ -22,6 +22,7 @@ struct ComboContents {
     QList<ComboItem> items;
     int current = -1;
     bool enabled = true;
+    QString placeholder; // shown while there are no items
 };
 
 // What the source combo offers for the chosen kind; a chosen source that is not there stays listed.

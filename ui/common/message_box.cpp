@@ -1,0 +1,41 @@
+#include "ui/common/message_box.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace qn {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype kMostShownLines = 15;
+
+// Of a tool's last words the last lines without the progress among them: the reason stands there.
+QString fitting(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    if (lines.size() <= kMostShownLines)
+        return text;
+    const QString first = lines.takeFirst();
+    static const QRegularExpression progress(u"^\\w+=\\s*\\S*$"_s);
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [](const QString& line) { return progress.match(line).hasMatch(); }),
+                lines.end());
+    return first + u"\n…\n"_s +
+           lines.mid(std::max<qsizetype>(lines.size() - kMostShownLines, 0)).join(u'\n');
+}
+
+} // namespace
+
+QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, const QString& title,
+                                    const QString& text, QMessageBox::StandardButtons buttons,
+                                    const MessageNotes& notes) {
+    QMessageBox box(icon, title, fitting(text), buttons, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(notes.informative);
+    box.setDetailedText(notes.detailed);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+} // namespace qn

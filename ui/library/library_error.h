@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace qn {
+
+// What a database driver's words mean to the user, as the end of a sentence about the library;
+// empty when they are not among the usual ones.
+QString plainReason(const QString& driverText);
+
+} // namespace qn
