@@ -106,7 +106,17 @@ bool Window::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest)
         setMinimumSize(
             minimumSizeHint().boundedTo(screen()->availableSize()).expandedTo(kSmallestSize));
+    if (event->type() == QEvent::PaletteChange && recordingPanel)
+        recolour();
     return handled;
+}
+
+void Window::recolour() {
+    for (QLabel* label : findChildren<QLabel*>()) {
+        if (!label->styleSheet().isEmpty())
+            label->setStyleSheet(label->styleSheet()); // which keeps the colours of its first day
+    }
+    recordingPanel->showState(state);
 }
 
 void Window::buildUi() {

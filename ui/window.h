@@ -77,6 +77,7 @@ private Q_SLOTS:
 
 private:
     void buildUi();
+    void recolour();
     QWidget* buildHeader();
     void buildMenu();
     void connectControls();

@@ -155,6 +155,35 @@ private Q_SLOTS:
         }
     }
 
+    void aRecordingThatFailsSaysWhatIsLeftOfIt() {
+        const std::pair<QByteArray, QString> rows[] = {
+            {"for last; do :; done; echo x >\"$last\"; exit 1",
+             u"Записанное до ошибки сохранено"_s},
+            {{}, u"Программа ffmpeg не запускается: /nonexistent"_s}};
+        for (const auto& [tool, advice] : rows) {
+            open();
+            useTool(tool);
+            answers = {[&](QDialog* dialog) {
+                auto* box = qobject_cast<QMessageBox*>(dialog);
+                QVERIFY(!box->text().isEmpty() && box->informativeText().startsWith(advice));
+                dialog->accept();
+            }};
+            recordButton()->click();
+            QTRY_VERIFY(answers.isEmpty());
+            QVERIFY(shows(u"Запись завершена с ошибкой"_s));
+            qunsetenv("QUORLIN_FFMPEG");
+        }
+    }
+
+    void largerFontsNeedALargerWindow() {
+        open();
+        QCOMPARE(window->minimumSize(), QSize(840, 680));
+        const QFont usual = QApplication::font();
+        QApplication::setFont(QFont(usual.family(), 22));
+        QTRY_VERIFY(window->minimumHeight() > 700);
+        QApplication::setFont(usual);
+    }
+
     void theMicrophoneIsAskedForFirst() {
         QSettings().setValue(u"microphone/enabled"_s, true);
         open();

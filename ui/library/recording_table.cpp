@@ -214,7 +214,8 @@ QString RecordingTable::toolTipOf(int row) const {
             ? QLocale(QLocale::Russian)
                   .formattedDataSize(QFileInfo(recording.path).size(), 1, QLocale::DataSizeSIFormat)
             : u"Аудиофайл не найден"_s;
-    return Qt::convertFromPlainText(recording.title.left(kLongestShownTitle) + u'\n' + file);
+    return Qt::convertFromPlainText(recording.title.left(kLongestShownTitle) + u'\n' + file,
+                                    Qt::WhiteSpaceNormal);
 }
 
 void RecordingTable::setHint(const QString& text) {

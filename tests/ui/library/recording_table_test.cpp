@@ -2,8 +2,11 @@
 #include "ui/library/recording_table.h"
 
 #include <QHeaderView>
+#include <QMimeData>
 #include <QSignalSpy>
+#include <QTemporaryFile>
 #include <QTest>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -48,6 +51,27 @@ private Q_SLOTS:
         table.setRows({ready});
         QCOMPARE(table.item(0, 5)->text(), u"Готово"_s);
         QTRY_VERIFY(table.columnWidth(5) < wide);
+    }
+
+    void itTellsWhatIsEmptyLostOrBrokenAndHandsOutFiles() {
+        qn::RecordingTable table;
+        table.setHint(u"Пусто"_s);
+        QCOMPARE(table.accessibleDescription(), u"Пусто"_s);
+        QTemporaryFile file;
+        QVERIFY(file.open() && file.resize(2'500'000));
+        qn::Recording broken = recording(u"a"_s, u"<b>"_s);
+        broken.path = file.fileName();
+        table.setRows({broken, recording(u"b"_s)});
+        const auto colour = [&](int row, int column) {
+            return table.item(row, column)->data(Qt::ForegroundRole);
+        };
+        QVERIFY(!colour(0, 0).isValid() && colour(0, 5).isValid());
+        QCOMPARE(colour(1, 0), table.palette().color(QPalette::Disabled, QPalette::Text));
+        QVERIFY(table.item(0, 0)->toolTip().contains(u"&lt;b&gt;"_s) &&
+                table.item(0, 0)->toolTip().contains(u"2,5"_s));
+        QVERIFY(table.item(1, 3)->toolTip().contains(u"Аудиофайл не найден"_s));
+        const std::unique_ptr<QMimeData> dragged(table.model()->mimeData({}));
+        QCOMPARE(dragged->urls(), {QUrl::fromLocalFile(file.fileName())});
     }
 };
 
