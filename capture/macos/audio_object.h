@@ -2,12 +2,29 @@
 
 #include <CoreAudio/CoreAudio.h>
 
+#include <QElapsedTimer>
 #include <QList>
+#include <QLoggingCategory>
 #include <QString>
 
+#include <type_traits>
 #include <utility>
 
 namespace qn {
+
+// "quorlin.coreaudio": how long each call took that opens or closes something, and its status.
+Q_DECLARE_LOGGING_CATEGORY(coreAudioLog)
+
+template <typename... Args>
+OSStatus logged(const char* name, OSStatus (*function)(Args...),
+                std::type_identity_t<Args>... arguments) {
+    QElapsedTimer clock;
+    clock.start();
+    const OSStatus status = function(arguments...);
+    qCDebug(coreAudioLog, "%s: %lld ms, status %d", name, static_cast<long long>(clock.elapsed()),
+            static_cast<int>(status));
+    return status;
+}
 
 // Owns a string that the platform handed out; may hold none.
 class OwnedString {
@@ -42,7 +59,7 @@ public:
 
     void destroy() {
         if (object != kAudioObjectUnknown)
-            Destroy(std::exchange(object, kAudioObjectUnknown));
+            logged("destroying", Destroy, std::exchange(object, kAudioObjectUnknown));
     }
 
     // Leaves the object to the platform.

@@ -4,6 +4,8 @@
 
 namespace qn {
 
+Q_LOGGING_CATEGORY(coreAudioLog, "quorlin.coreaudio", QtInfoMsg)
+
 QString OwnedString::text() const {
     return fromNative(reinterpret_cast<NSString*>(string));
 }

@@ -78,11 +78,12 @@ OSStatus OwnedIoProcedure::create(AudioObjectID onDevice, const AudioStreamBasic
     client = std::make_unique<IoClient>();
     client->format = format;
     client->receiver = &receiver;
-    return AudioDeviceCreateIOProcID(device, ioProc, client.get(), &id);
+    return logged("AudioDeviceCreateIOProcID", AudioDeviceCreateIOProcID, device, ioProc,
+                  client.get(), &id);
 }
 
 OSStatus OwnedIoProcedure::start() {
-    const OSStatus status = AudioDeviceStart(device, id);
+    const OSStatus status = logged("AudioDeviceStart", AudioDeviceStart, device, id);
     started = status == noErr;
     return status;
 }
@@ -90,8 +91,9 @@ OSStatus OwnedIoProcedure::start() {
 bool OwnedIoProcedure::destroy() {
     if (id == nullptr)
         return true;
-    const OSStatus stopped = AudioDeviceStop(device, id);
-    const OSStatus removed = AudioDeviceDestroyIOProcID(device, std::exchange(id, nullptr));
+    const OSStatus stopped = logged("AudioDeviceStop", AudioDeviceStop, device, id);
+    const OSStatus removed = logged("AudioDeviceDestroyIOProcID", AudioDeviceDestroyIOProcID,
+                                    device, std::exchange(id, nullptr));
     const bool idle = !std::exchange(started, false) || stopped == noErr ||
                       stopped == kAudioHardwareNotRunningError;
     if (removed == noErr && idle)

@@ -22,6 +22,8 @@ QString coreAudioError(OSStatus status) {
         .arg(status);
 }
 
+constexpr int kRebuildsPerFormat = 3;
+
 bool isSameFormat(const AudioStreamBasicDescription& a, const AudioStreamBasicDescription& b) {
     return a.mSampleRate == b.mSampleRate && a.mFormatID == b.mFormatID &&
            a.mFormatFlags == b.mFormatFlags && a.mChannelsPerFrame == b.mChannelsPerFrame &&
@@ -49,7 +51,7 @@ private:
     bool runIoProcedure(QString& error);
 
     QSet<AudioObjectID> processObjects() const;
-    bool isCurrent() const;
+    bool readTapFormat(AudioStreamBasicDescription& format) const;
     void followChanges();
 
     SourceKind kind = SourceKind::System; // of the last start, like selectionId
@@ -60,7 +62,9 @@ private:
     OwnedTap tapId;
     OwnedAggregate aggregateId;
     OwnedIoProcedure ioProcId;
-    AudioStreamBasicDescription tapFormat = {};
+    AudioStreamBasicDescription tapFormat = {};  // the blocks'
+    AudioStreamBasicDescription lastFormat = {}; // as the running tap reported it
+    int rebuildsLeft = 0;                        // for the sake of lastFormat
 };
 
 MacBackend::MacBackend() {
@@ -116,13 +120,13 @@ bool MacBackend::openTap(QString& error) {
     } else {
         description = describeDeviceTap(sourceId);
     }
-    const OSStatus status = AudioHardwareCreateProcessTap(description, tapId.receive());
+    const OSStatus status = logged("AudioHardwareCreateProcessTap", AudioHardwareCreateProcessTap,
+                                   description, tapId.receive());
     if (status != noErr) {
         error = coreAudioError(status);
         return false;
     }
-    tapFormat = {};
-    if (!readProperty(tapId.get(), kAudioTapPropertyFormat, &tapFormat, sizeof tapFormat)) {
+    if (!readTapFormat(tapFormat)) {
         error = u"Не удалось получить формат Core Audio tap"_s;
         return false;
     }
@@ -141,8 +145,9 @@ bool MacBackend::openAggregateDevice(QString& error) {
         return false;
     }
     NSDictionary* description = describeAggregateDevice(tapUid.get());
-    const OSStatus status = AudioHardwareCreateAggregateDevice(
-        reinterpret_cast<CFDictionaryRef>(description), aggregateId.receive());
+    const OSStatus status =
+        logged("AudioHardwareCreateAggregateDevice", AudioHardwareCreateAggregateDevice,
+               reinterpret_cast<CFDictionaryRef>(description), aggregateId.receive());
     if (status != noErr)
         error = coreAudioError(status);
     return status == noErr;
@@ -169,19 +174,30 @@ QSet<AudioObjectID> MacBackend::processObjects() const {
     return objects;
 }
 
-bool MacBackend::isCurrent() const {
-    AudioStreamBasicDescription format = {};
-    return readProperty(tapId.get(), kAudioTapPropertyFormat, &format, sizeof format) &&
-           isSameFormat(format, tapFormat) &&
-           (kind != SourceKind::Application || processObjects() == processes);
+// All zero when it can't be read.
+bool MacBackend::readTapFormat(AudioStreamBasicDescription& format) const {
+    format = {};
+    const bool available =
+        readProperty(tapId.get(), kAudioTapPropertyFormat, &format, sizeof format);
+    qCDebug(coreAudioLog, "tap: %g Hz, %u channels of %u bits, flags %u", format.mSampleRate,
+            format.mChannelsPerFrame, format.mBitsPerChannel, format.mFormatFlags);
+    return available;
 }
 
 // Helper processes come and go (a browser's tabs, a call's audio process), and a device changes its
-// format while it plays (a headset's call mode): the tap is rebuilt around what is there now.
+// format while it plays (a headset's call mode): the tap is rebuilt around what is there now. A new
+// tap may still have the old format, or for ever another one than it reports while it runs.
 void MacBackend::followChanges() {
     @autoreleasepool {
-        if (isCurrent())
+        AudioStreamBasicDescription format;
+        readTapFormat(format);
+        if (!isSameFormat(format, lastFormat))
+            rebuildsLeft = kRebuildsPerFormat;
+        lastFormat = format;
+        const bool formatChanged = !isSameFormat(format, tapFormat) && rebuildsLeft > 0;
+        if (!formatChanged && (kind != SourceKind::Application || processObjects() == processes))
             return;
+        rebuildsLeft -= formatChanged ? 1 : 0;
         const Selection selection = {kind, selectionId};
         const QString source = sourceId; // stop clears the member
         QString error;

@@ -22,7 +22,8 @@ struct SimulatedMac {
         std::optional<UInt32> byteSize = {}; // claimed, if not that of `bytes`
     };
 
-    // Knobs. A property is bytes or a string, which may be null; those of object 0 are every tap's.
+    // Knobs. A property is bytes or a string, which may be null; those of object 0 are every tap's,
+    // and those of object 2, if any, are what a tap has while it runs.
     QMap<std::pair<AudioObjectID, QString>, std::variant<QByteArray, QString>> properties;
     QList<Application> applications;
     QHash<QString, OSStatus> refusals; // by function or property selector

@@ -52,14 +52,16 @@ bool isIo(AudioObjectID device, AudioDeviceIOProcID id) {
 template <typename Effect>
 OSStatus property(AudioObjectID object, const AudioObjectPropertyAddress& address, Effect effect) {
     const UInt32 code = qToBigEndian(address.mSelector);
-    const QByteArray selector(reinterpret_cast<const char*>(&code), 4);
+    const QByteArray name(reinterpret_cast<const char*>(&code), 4);
+    const QString selector = QString::fromLatin1(name);
     const UInt32 scope = address.mSelector == kAudioDevicePropertyStreams
                              ? kAudioObjectPropertyScopeOutput
                              : kAudioObjectPropertyScopeGlobal;
-    const AudioObjectID owner = object < 1000 ? object : 0;
-    const bool legal = address.mScope == scope && (owner != 0 || mac.live.contains(object));
-    const auto found = mac.properties.find({owner, QString::fromLatin1(selector)});
-    const OSStatus status = call(selector.constData(), legal, [] {});
+    const bool isOther = mac.running && mac.properties.contains({2, selector});
+    const AudioObjectID owner = object < 1000 ? object : isOther ? 2 : 0;
+    const bool legal = address.mScope == scope && (object < 1000 || mac.live.contains(object));
+    const auto found = mac.properties.find({owner, selector});
+    const OSStatus status = call(name.constData(), legal, [] {});
     if (found == mac.properties.end())
         return 'who?';
     if (status == noErr)
