@@ -1,9 +1,9 @@
 #include "capture/microphone.h"
 #include "tests/support/sound_server.h"
+#include "tests/support/tone.h"
 
 #include <QtTest>
 
-#include <algorithm>
 #include <csignal>
 
 using namespace qn;
@@ -27,15 +27,13 @@ class LinuxMicrophoneTest : public QObject {
 
     // Whether the last 60 blocks hold the whole sine in their first channel.
     bool hearsTheSine() const {
+        if (blocks.size() < 75)
+            return false;
         QList<float> samples;
-        for (const AudioBlock& block : blocks.last(std::min<qsizetype>(blocks.size(), 60))) {
-            for (qsizetype i = 0; i < block.samples.size(); i += block.channels)
-                samples.append(block.samples[i]);
-        }
-        const auto silent = [](float sample, float) { return qAbs(sample) < 0.01F; };
-        return blocks.size() >= 75 &&
-               qAbs(*std::max_element(samples.begin(), samples.end()) - 0.5F) < 0.02F &&
-               std::search_n(samples.begin(), samples.end(), 8, 0, silent) == samples.end();
+        for (const AudioBlock& block : blocks.last(60))
+            samples += block.samples;
+        const Tone tone = findTone(samples, blocks.last().sampleRate, blocks.last().channels);
+        return qAbs(tone.peak - 0.5F) < 0.02F && qAbs(tone.hertz - 458) < 3 && tone.silence < 8;
     }
 
     QString ids() const {
@@ -47,17 +45,10 @@ class LinuxMicrophoneTest : public QObject {
     }
 
 private Q_SLOTS:
-    void initTestCase_data() {
-        qRegisterMetaType<AudioBlock>();
-        QTest::addColumn<SoundServer::Kind>("kind");
-        if (!QStandardPaths::findExecutable(u"pulseaudio"_s).isEmpty())
-            QTest::newRow("PulseAudio") << SoundServer::PulseAudio;
-        QTest::newRow("PipeWire") << SoundServer::PipeWire;
-    }
+    void initTestCase_data() { SoundServer::addKinds(); }
 
     void init() {
-        QFETCH_GLOBAL(SoundServer::Kind, kind);
-        server.emplace(kind);
+        server.emplace();
         backend = makeMicrophoneBackend();
         connect(backend.get(), &MicrophoneBackend::block, this,
                 [this](const AudioBlock& block) { blocks.append(block); });

@@ -1,6 +1,7 @@
 #include "engine/encoder.h"
 #include "engine/tools.h"
 #include "tests/support/files.h"
+#include "tests/support/tone.h"
 
 #include <cmath>
 #include <csignal>
@@ -16,12 +17,7 @@ class EncoderTest : public QObject {
     QFile part{u"call.part"_s};
     QString error;
 
-    static QList<float> tone(int seconds) {
-        QList<float> samples(seconds * 48000);
-        for (int k = 0; float& sample : samples)
-            sample = .5F * static_cast<float>(std::sin(k++ / 8.0));
-        return samples;
-    }
+    static QList<float> tone(int seconds) { return sine(955, 48000, .5F, seconds * 48000); }
 
     bool start(qn::Encoder& encoder, qn::AudioFormat format = qn::AudioFormat::Opus) {
         const auto started = QDateTime::fromMSecsSinceEpoch(1'714'557'600'123);

@@ -1,6 +1,7 @@
 #include "engine/recorder_worker.h"
 #include "tests/support/fake_backend.h"
 #include "tests/support/files.h"
+#include "tests/support/tone.h"
 
 #include <soxr.h>
 
@@ -87,8 +88,7 @@ private Q_SLOTS:
         const QList<float> samples = decoded(u"call.wav"_s);
         QCOMPARE(samples.size() / 48, durationMs);
         // The tone has no gap: 100 ms of silence would be the pause or a lost block.
-        const auto silent = [](float sample, float) { return std::abs(sample) < 0.001F; };
-        QVERIFY(std::search_n(samples.begin(), samples.end(), 4800, 0, silent) == samples.end());
+        QVERIFY(findTone(samples, 48000).silence < 4800);
     }
 
     void anEndWithAnErrorLeavesAllFilesAndAllowsTheNextSession() {
@@ -163,9 +163,8 @@ private Q_SLOTS:
         QCOMPARE(session.error(), QString());
         const QList<float> samples = decoded(u"call.wav"_s);
         QVERIFY(samples.size() > 48 * 700 && samples.size() < 48 * 1500);
-        const auto silent = [](float sample, float) { return std::abs(sample) < 0.001F; };
-        QVERIFY(std::search_n(samples.begin() + 48 * 300, samples.end() - 48 * 250, 480, 0,
-                              silent) == samples.end() - 48 * 250);
+        const QList<float> middle = samples.sliced(48 * 300, samples.size() - 48 * 550);
+        QVERIFY(findTone(middle, 48000).silence < 480);
     }
 
     void whatEndsARecordingIsNamed() {

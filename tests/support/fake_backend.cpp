@@ -1,7 +1,7 @@
 #include "tests/support/fake_backend.h"
+#include "tests/support/tone.h"
 
 #include <algorithm>
-#include <cmath>
 #include <thread>
 
 namespace qn::testing {
@@ -76,8 +76,7 @@ void playTone() {
     AudioBlock block;
     block.timestampNs = std::max(end, now - 1'000'000'000);
     end = now;
-    for (qint64 i = 0; i < (end - block.timestampNs) * 48 / 1'000'000; ++i)
-        block.samples.append(0.5F * std::sin(0.06F * static_cast<float>(i)));
+    block.samples = sine(458, 48000, 0.5F, (end - block.timestampNs) * 48 / 1'000'000);
     for (CaptureBackend* backend : QList(FakePlatform::instance().capturing))
         Q_EMIT backend->block(block);
     block.samples.fill(0);

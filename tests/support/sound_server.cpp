@@ -1,15 +1,22 @@
 #include "tests/support/sound_server.h"
+#include "tests/support/files.h"
+#include "tests/support/tone.h"
 
-#include <QTest>
-
-#include <cmath>
 #include <csignal>
-#include <fstream>
 #include <unistd.h>
 
 namespace qn::testing {
 
-SoundServer::SoundServer(Kind chosenKind) : kind(chosenKind) {
+void SoundServer::addKinds() {
+    QTest::addColumn<int>("row");
+    if (!QStandardPaths::findExecutable(u"pulseaudio"_s).isEmpty())
+        QTest::newRow("PulseAudio") << int(PulseAudio);
+    QTest::newRow("PipeWire") << int(PipeWire);
+}
+
+SoundServer::SoundServer() {
+    QFETCH_GLOBAL(int, row);
+    kind = Kind(row);
     qputenv("XDG_RUNTIME_DIR", home.path().toUtf8());
     qputenv("HOME", home.path().toUtf8());
     qunsetenv("PULSE_SERVER");
@@ -52,11 +59,8 @@ void SoundServer::signal(int number) {
 
 QProcess& SoundServer::play(const QString& program, float peak, const QString& options) {
     const QString path = home.filePath(QString::number(programs.size()));
-    std::ofstream tone(path.toStdString());
-    for (int i = 0; i < 48000 * 30; ++i) {
-        const float sample = peak * std::sin(0.06F * static_cast<float>(i));
-        tone.write(reinterpret_cast<const char*>(&sample), sizeof sample);
-    }
+    const QList<float> tone = sine(458, 48000, peak, 48000 * 30);
+    write(path, {reinterpret_cast<const char*>(tone.data()), tone.size() * 4});
     const QString command =
         u"--playback --raw --format=float32ne --rate=48000 --channels=1 --latency-msec=50 %1 "
         "--property=application.process.binary=%2 --property=application.name=%2 %3"_s;

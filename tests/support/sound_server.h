@@ -16,7 +16,9 @@ class SoundServer {
 public:
     enum Kind { PulseAudio, PipeWire };
 
-    explicit SoundServer(Kind chosenKind);
+    // For initTestCase_data: every kind that is installed. The constructor takes the row's.
+    static void addKinds();
+    SoundServer();
     ~SoundServer();
 
     // Knobs: start() after signal(SIGKILL) is a restart; SIGSTOP freezes, SIGCONT thaws.

@@ -32,7 +32,8 @@ enum : UInt32 {
     kAudioObjectUnknown = 0, kAudioObjectSystemObject = 1, kAudioObjectPropertyElementMain = 0,
     kAudioObjectPropertyScopeGlobal = 'glob', kAudioObjectPropertyScopeOutput = 'outp',
     kAudioHardwarePropertyDefaultOutputDevice = 'dOut', kAudioHardwarePropertyDevices = 'dev#',
-    kAudioHardwarePropertyProcessObjectList = 'prs#', kAudioProcessPropertyBundleID = 'pbid',
+    kAudioHardwarePropertyProcessObjectList = 'prs#', kAudioHardwarePropertyTapList = 'tps#', kAudioProcessPropertyPID = 'ppid',
+    kAudioProcessPropertyBundleID = 'pbid',
     kAudioDevicePropertyStreams = 'stm#', kAudioDevicePropertyDeviceUID = 'uid ',
     kAudioObjectPropertyName = 'lnam', kAudioTapPropertyFormat = 'tfmt', kAudioTapPropertyUID = 'tuid',
     kAudioFormatLinearPCM = 'lpcm', kAudioFormatFlagIsFloat = 1, kAudioTimeStampHostTimeValid = 2

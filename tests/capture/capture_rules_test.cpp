@@ -1,13 +1,33 @@
+#include "capture/catalog.h"
 #include "capture/microphone_samples.h"
 
 #include <QTest>
 
 using namespace qn;
+using namespace Qt::StringLiterals;
 
-class MicrophoneSamplesTest : public QObject {
+class CaptureRulesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void resolvesTheChoiceAgainstWhatIsThere() {
+        const struct {
+            int kind;
+            QString id, defaultOutput, resolved;
+        } cases[] = {
+            {0, u"usb"_s, u"card"_s, u"card"_s}, {0, u""_s, u""_s, u""_s},
+            {0, u""_s, u"gone"_s, u""_s},        {1, u"usb"_s, u"card"_s, u"usb"_s},
+            {1, u"app"_s, u"card"_s, u"card"_s}, {1, u"gone"_s, u""_s, u""_s},
+            {2, u"app"_s, u"card"_s, u"app"_s},  {2, u"usb"_s, u"card"_s, u""_s},
+            {7, u"usb"_s, u"card"_s, u"usb"_s},
+        };
+        for (const auto& [kind, id, output, resolved] : cases) {
+            const Catalog catalog{{{u"usb"_s, {}}, {u"card"_s, {}}}, {{u"app"_s, {}}}, output};
+            const QString found = resolveSource({static_cast<SourceKind>(kind), id}, catalog);
+            QVERIFY2(found == resolved, qPrintable(u"%1 %2 %3"_s.arg(kind).arg(id, output)));
+        }
+    }
+
     void microphoneBytesBecomeSamples() {
         const std::tuple<QAudioFormat::SampleFormat, QByteArray, QList<float>, qsizetype> rows[]{
             {QAudioFormat::UInt8, QByteArray("\x00\x80\xC0", 3), {-1.0F, 0.0F}, 1},
@@ -29,5 +49,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(MicrophoneSamplesTest)
-#include "microphone_samples_test.moc"
+QTEST_GUILESS_MAIN(CaptureRulesTest)
+#include "capture_rules_test.moc"
