@@ -16,16 +16,18 @@ packaging = root / "packaging/macos"
 # Every tool notes its arguments; what one needs to do besides is here, as the body of a script.
 TOOLS = {
     "uname": "echo Darwin",
-    "open": "",
+    "open": 'for a; do case $a in *,txt) cp $HOME/log "${a%,txt}" ;; esac; done',
+    "sw_vers": "echo 15.1",
+    "sysctl": "echo Apple M1",
     "brew": 'test "$1" = list || echo $HOME/homebrew',
     "cmake": "",
     "nm": 'cat "$1"',
     "otool": 'cat "$2"',
-    "codesign": "exit ${CODESIGN_STATUS:-0}",
+    "codesign": "echo Info.plist entries=9 device.audio-input; exit ${CODESIGN_STATUS:-0}",
     "ditto": 'cp -R "$1" "$2"',
     "ffmpeg": "",
     "sandbox-exec": 'shift 5; test -x "$1"',
-    "qmake": "echo $HOME/qt",
+    "qmake": "case $2 in *VERSION) echo 6.8.1 ;; *) echo $HOME/qt ;; esac",
     "sleep": "",
     "xcrun": "",
     "hdiutil": 'for dmg; do :; done; test -e $HOME/busy && rm $HOME/busy &&'
@@ -118,6 +120,46 @@ def check_run(mac):
         assert status == 0 and f"\nffmpeg {given}\n" in calls and "open" not in calls, calls
 
 
+def check_mac_check(mac):
+    project, app = mac.home / "project", mac.home / "project/build/release/app/Quorlin.app"
+    for folder in ("scripts", "packaging"):
+        shutil.copytree(root / folder, project / folder)
+    probe = project / "build/mac-check/QuorlinCheck.app/Contents"
+    for name in ("multimedia/libdarwin", "styles/libx", "platforms/libqcocoa", "sqldrivers/libqsqlite"):
+        (mac.home / f"qt/{name}.dylib").parent.mkdir(exist_ok=True)
+        (mac.home / f"qt/{name}.dylib").touch()
+    for name in ("qt/qtbase_ru.qm", "project/build/mac-check/tests/capture/real_mac_test"):
+        (mac.home / name).parent.mkdir(parents=True, exist_ok=True)
+        (mac.home / name).touch()
+    mac.write("MacOS/Quorlin", "#!/bin/sh\n# QDarwinMicrophonePermissionRequest\necho 'Output: a'\n"
+              'for d; do :; done; [ $# = 1 ] || { mkdir "$d"; echo >"$d/library.sqlite3"; }\n')
+    shutil.copytree(mac.app, app)
+    shutil.copytree(mac.home / "bin", app / "Contents/Resources/tools")
+    (project / "build/release/CMakeCache.txt").write_text(f"Qt6_DIR:PATH={mac.home}/lib/cmake/Qt6\n")
+    log = (mac.home / "log").write_text
+    log("PASS   : RealMacTest::initTestCase()\nQDEBUG : RealMacTest::t() AudioDeviceStart: 7 ms\n"
+        f"SKIP   : RealMacTest::t(a) in {mac.home}\nPASS   : RealMacTest::e()\n")
+    status, output, calls = mac.run(project / "scripts/mac-check")
+    report = (project / "mac-check.txt").read_text()
+    eyes = "needs your eyes  "
+    assert status == 0 and "FAIL" not in report and report.count(eyes) == 8, (output, calls)
+    assert report.count("\nOK ") == 10 and f"\n{eyes}t(a) in ~\n" in report, report
+    assert "macOS 15.1, Apple M1" in report and report.count("AudioDeviceStart: 7 ms") == 1, report
+    facts = plistlib.loads((probe / "Info.plist").read_bytes())
+    assert facts["CFBundleIdentifier"] == "org.quorlin.Check", facts
+    assert f"rights {probe.parent}" not in calls and f"open -W -n {probe.parent} --args -o" in calls
+    log("FAIL!  : RealMacTest::t(a) 'no blocks'\n")
+    status, output, _ = mac.run(project / "scripts/mac-check")
+    assert status == 1 and "\nFAIL             t(a) 'no blocks'\n" in output, output
+    (mac.home / "qt/qtbase_ru.qm").unlink()
+    (app / "Contents/MacOS/Quorlin").write_text("#!/bin/sh\nexit 1\n")
+    status, output, _ = mac.run(project / "scripts/mac-check", CODESIGN_STATUS="1")
+    assert status == 1, output
+    for fault in ("the signature", "it binds", "it allows", "Qt can ask", "Qt speaks Russian: ~",
+                  "sources", "the window", "the capture check runs", "the capture check ended"):
+        assert f"\nFAIL             {fault}" in output, (fault, output)
+
+
 def check_finish(mac):
     finish = (packaging / "finish-bundle", "rights", mac.app)
     status, output, calls = mac.run(*finish, "QtCore")
@@ -196,6 +238,6 @@ def check_libraries(mac):
     assert status == 1 and "is not signed" in output, output
 
 
-for checked in (check_run, check_finish, check_package, check_libraries):
+for checked in (check_run, check_mac_check, check_finish, check_package, check_libraries):
     with tempfile.TemporaryDirectory() as home:
         checked(Mac(home))
