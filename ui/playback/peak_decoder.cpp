@@ -2,7 +2,6 @@
 
 #include "engine/input_url.h"
 #include "engine/tools.h"
-#include "ui/playback/child_pipe.h"
 #include "ui/playback/peak_accumulator.h"
 
 #include <QByteArray>
@@ -22,7 +21,7 @@ namespace {
 constexpr int kStartTimeoutMs = 5000;
 constexpr int kReadTimeoutMs = 100;
 constexpr int kKillTimeoutMs = 3000;
-constexpr qint64 kReadBytes = 16384; // more would keep the tool from writing for longer
+constexpr qint64 kReadBytes = 65536;
 constexpr qint64 kSampleBytes = sizeof(float);
 constexpr qsizetype kErrorTailBytes = 2000;
 
@@ -34,79 +33,48 @@ QStringList decodeArguments(const QString& path) {
             u"f32le"_s,        u"pipe:1"_s};
 }
 
-// Reads whole samples from the pipe; a partial one waits for its rest.
+// Reads whole samples of the tool's output; a partial one waits for its rest.
 class SampleReader {
 public:
-    explicit SampleReader(ChildPipe& source) : output(source) {}
+    explicit SampleReader(QProcess& tool) : output(tool) {}
 
-    // False when there is nothing to read at the moment.
-    bool readInto(PeakAccumulator& accumulator) {
+    void readInto(PeakAccumulator& accumulator) {
         char* const bytes = reinterpret_cast<char*>(samples.data());
-        const qint64 added = output.read(bytes + pending, kReadBytes);
-        pending += added;
+        pending += std::max<qint64>(output.read(bytes + pending, kReadBytes), 0);
         const qint64 whole = pending / kSampleBytes;
         accumulator.add(samples.data(), whole);
         pending -= whole * kSampleBytes;
         std::copy_n(bytes + whole * kSampleBytes, pending, bytes);
-        return added > 0;
     }
 
 private:
-    ChildPipe& output;
+    QProcess& output;
     std::array<float, kReadBytes / kSampleBytes + 1> samples{};
     qint64 pending = 0; // bytes of the partial sample
 };
 
-// The last of what the tool says about its troubles.
-class ErrorTail {
-public:
-    explicit ErrorTail(ChildPipe& source) : errors(source) {}
-
-    // False when there is nothing to read at the moment.
-    bool read() {
-        const qint64 added = errors.read(piece.data(), qint64(piece.size()));
-        tail = (tail + QByteArray(piece.data(), added)).right(kErrorTailBytes);
-        return added > 0;
-    }
-
-    QString text() const { return QString::fromUtf8(tail); }
-
-private:
-    ChildPipe& errors;
-    std::array<char, kReadBytes> piece{};
-    QByteArray tail;
-};
-
-void startTool(QProcess& process, const QString& path, ChildPipe& output, ChildPipe& errors) {
-    process.setStandardOutputFile(output.writePath());
-    process.setStandardErrorFile(errors.writePath());
-    process.start(ffmpegPath(), decodeArguments(path));
-}
-
 } // namespace
 
 std::optional<DecodedPeaks> decodePeaks(const QString& path) {
-    ChildPipe output;
-    ChildPipe errors;
     QProcess process;
-    startTool(process, path, output, errors);
+    process.start(ffmpegPath(), decodeArguments(path));
     if (!process.waitForStarted(kStartTimeoutMs))
         return DecodedPeaks{{}, false, process.errorString()};
-    output.closeWriteEnd();
-    errors.closeWriteEnd();
 
     PeakAccumulator accumulator;
-    SampleReader samples(output);
-    ErrorTail errorTail(errors);
+    SampleReader samples(process);
+    QByteArray errorTail;
+    // While a tool floods its error output, QProcess gathers that and waits on past every timeout.
+    QObject::connect(&process, &QProcess::readyReadStandardError, &process, [&] {
+        errorTail = (errorTail + process.readAllStandardError()).right(kErrorTailBytes);
+        if (QThread::currentThread()->isInterruptionRequested())
+            process.kill();
+    });
     while (!QThread::currentThread()->isInterruptionRequested()) {
-        if (samples.readInto(accumulator))
-            continue;
-        ChildPipe::waitForAny({&output, &errors}, kReadTimeoutMs);
-        // Only a process that is waited for takes notice of its end.
-        process.waitForFinished(output.atEnd() && errors.atEnd() ? kReadTimeoutMs : 0);
-        const bool isOver = process.state() == QProcess::NotRunning;
-        if (!errorTail.read() && isOver && !samples.readInto(accumulator))
+        if (process.bytesAvailable() == 0 && !process.waitForReadyRead(kReadTimeoutMs) &&
+            process.state() == QProcess::NotRunning && process.bytesAvailable() == 0)
             break;
+        samples.readInto(accumulator);
     }
     if (QThread::currentThread()->isInterruptionRequested()) {
         process.kill();
@@ -116,7 +84,7 @@ std::optional<DecodedPeaks> decodePeaks(const QString& path) {
     QList<float> peaks = accumulator.finish();
     const bool ok =
         process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0 && !peaks.isEmpty();
-    return DecodedPeaks{std::move(peaks), ok, errorTail.text()};
+    return DecodedPeaks{std::move(peaks), ok, QString::fromUtf8(errorTail)};
 }
 
 } // namespace qn
