@@ -26,7 +26,7 @@ class ProgramTest : public QObject {
 private Q_SLOTS:
     void theCommandLineAnswersWithoutTouchingTheDataFolder() {
         run(u"--version"_s, 0, "Quorlin 0.1.5\n");
-        run(u"--help"_s, 0, "Запись созвонов и локальная библиотека аудио");
+        run(u"--help"_s, 0, "Вывод справки по параметрам");
         run(u"--list-sources"_s, 0, "Default: ");
         run(u"--no-such-option"_s, 1, "");
         QVERIFY(!QFile::exists(data));

@@ -178,6 +178,7 @@ private Q_SLOTS:
     void largerFontsNeedALargerWindow() {
         open();
         QCOMPARE(window->minimumSize(), QSize(840, 680));
+        QVERIFY(window->findChild<QStatusBar*>()); // it would move all when it came later
         const QFont usual = QApplication::font();
         QApplication::setFont(QFont(usual.family(), 22));
         QTRY_VERIFY(window->minimumHeight() > 700);
@@ -211,6 +212,9 @@ private Q_SLOTS:
             open();
             record(100);
             refuseUpdates();
+            button(u"Пауза"_s)->click();
+            QTRY_VERIFY(shows(u"На паузе"_s));
+            const auto paused = QDateTime::currentDateTimeUtc();
             stop();
             if (quits)
                 window.reset();
@@ -219,6 +223,8 @@ private Q_SLOTS:
                 open();
             QTRY_COMPARE(cell(0, 5), u"Готово"_s);
             QVERIFY(status() == u"ready"_s && QFile::exists(path()));
+            const QString at = sql(u"SELECT at FROM events WHERE kind='pause' LIMIT 1"_s);
+            QVERIFY(!at.isEmpty() && QDateTime::fromString(at, Qt::ISODateWithMs) <= paused);
         }
     }
 
