@@ -163,7 +163,7 @@ private Q_SLOTS:
         for (const auto& [tool, advice] : rows) {
             open();
             useTool(tool);
-            answers = {[&](QDialog* dialog) {
+            answers = {[&, advice = advice](QDialog* dialog) {
                 auto* box = qobject_cast<QMessageBox*>(dialog);
                 QVERIFY(!box->text().isEmpty() && box->informativeText().startsWith(advice));
                 dialog->accept();
