@@ -36,7 +36,7 @@ wanted_system() {
 # application's own, the loader takes "@executable_path" to be their own folder.
 expand() {
     local program=$3/Contents/MacOS
-    case $2 in */tools/*) program=$(dirname "$2") ;; esac
+    case ${2#"$3"} in */tools/*) program=$(dirname "$2") ;; esac
     case $1 in
     @loader_path/*) echo "$(dirname "$2")/${1#*/}" ;;
     @executable_path/*) echo "$program/${1#*/}" ;;

@@ -22,7 +22,8 @@ TOOLS = {
     "brew": 'test "$1" = list || echo $HOME/homebrew',
     "cmake": "",
     "nm": 'cat "$1"',
-    "otool": 'cat "$2"',
+    "otool": 'case $(head -c 2 "$2") in "#!") exit 1 ;; esac; cat "$2"',
+    "xattr": "",
     "codesign": "echo Info.plist entries=9 device.audio-input; exit ${CODESIGN_STATUS:-0}",
     "ditto": 'cp -R "$1" "$2"',
     "ffmpeg": "",
@@ -147,7 +148,8 @@ def check_mac_check(mac):
     assert "macOS 15.1, Apple M1" in report and report.count("AudioDeviceStart: 7 ms") == 1, report
     facts = plistlib.loads((probe / "Info.plist").read_bytes())
     assert facts["CFBundleIdentifier"] == "org.quorlin.Check", facts
-    assert f"rights {probe.parent}" not in calls and f"open -W -n {probe.parent} --args -o" in calls
+    assert f"macos/Quorlin.entitlements {probe.parent}\n" in calls, calls
+    assert f"open -W -n {probe.parent} --args -o" in calls, calls
     log("FAIL!  : RealMacTest::t(a) 'no blocks'\n")
     status, output, _ = mac.run(project / "scripts/mac-check")
     assert status == 1 and "\nFAIL             t(a) 'no blocks'\n" in output, output
@@ -163,7 +165,8 @@ def check_mac_check(mac):
 def check_finish(mac):
     finish = (packaging / "finish-bundle", "rights", mac.app)
     status, output, calls = mac.run(*finish, "QtCore")
-    assert status == 0 and f"codesign --force --sign - --entitlements rights {mac.app}" in calls
+    assert status == 0, output
+    assert f"xattr -cr {mac.app}\ncodesign --force --sign - --entitlements rights {mac.app}" in calls
     assert subprocess.run([mac.app / "Contents/Resources/tools/ffmpeg", "-x"], check=False,
                           env={"HOME": str(mac.home)}).returncode == 0
     assert (mac.home / "calls").read_text().endswith("\nffmpeg -x\n")
