@@ -97,6 +97,9 @@ private Q_SLOTS:
         server->addMicrophone(u"webcam"_s);
         QTRY_VERIFY(start("headset"));
         QTRY_VERIFY(blocks.size() > 20);
+        server->killStreams();
+        QTRY_COMPARE(failures, 1);
+        QVERIFY(start("headset"));
         server->control(u"unload-module "_s + module);
         QTRY_COMPARE(failures, 1);
         QVERIFY(!start("headset"));

@@ -109,4 +109,14 @@ QString SoundServer::addMicrophone(const QString& name, const QString& format, i
     return number;
 }
 
+void SoundServer::killStreams() {
+    const QString key = kind == PulseAudio ? u"Source Output #(\\d+)\n\tDriver: protocol"_s
+                                           : u"object\\.id = \"(\\d+)"_s;
+    auto streams = QRegularExpression(key).globalMatch(control(u"list source-outputs"_s));
+    while (streams.hasNext())
+        run((kind == PulseAudio ? u"pacmd kill-source-output "_s : u"pw-cli destroy "_s) +
+            streams.next().captured(1))
+            .waitForFinished();
+}
+
 } // namespace qn::testing

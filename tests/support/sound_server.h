@@ -37,6 +37,9 @@ public:
     QString addMicrophone(const QString& name, const QString& format = u"s16le"_s, int rate = 48000,
                           int channels = 1);
 
+    // Ends the recording streams of programs; their devices stay.
+    void killStreams();
+
 private:
     QProcess& run(const QString& command);
 
