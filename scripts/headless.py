@@ -140,7 +140,8 @@ class Headless:
         wait_for("the session bus", bus.exists)
         self.spawn("pipewire")
         wait_for("PipeWire", (runtime / "pipewire-0").exists)
-        self.spawn("wireplumber")
+        config = Path(__file__).resolve().parent / "private-sound"
+        self.spawn("env", f"XDG_CONFIG_HOME={config}", "wireplumber")
         self.spawn("pipewire-pulse")
 
     def _pactl(self, *arguments):

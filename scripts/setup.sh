@@ -10,10 +10,19 @@ package_list() {
         librsvg2-bin file ;;
     Linux-demo)
         echo xvfb xdotool pulseaudio-utils python3 python3-numpy
-        # A desktop that runs on PipeWire has packages that conflict with PulseAudio's server.
-        if is_installed pipewire-alsa; then package_list pipewire; else echo pulseaudio; fi
+        if is_desktop_on pipewire-pulse || is_installed pipewire-alsa; then
+            package_list pipewire
+        else
+            echo pulseaudio
+        fi
         ;;
-    Linux-pipewire) echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils ;;
+    Linux-pipewire)
+        if is_desktop_on pulseaudio; then
+            echo "PipeWire is left out: it would replace this desktop's PulseAudio" >&2
+        else
+            echo pipewire pipewire-bin pipewire-pulse wireplumber dbus pulseaudio-utils
+        fi
+        ;;
     Linux-test)
         # Newer systems have no version 14; the test of the format is left out there.
         case $(. /etc/os-release && echo "${VERSION_CODENAME:-}") in
@@ -61,6 +70,15 @@ is_installed() {
     else
         [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed* ]]
     fi
+}
+
+# is_desktop_on SERVER: pulseaudio or pipewire-pulse is the only one installed on a desktop. The other
+# one's package would take over.
+is_desktop_on() {
+    local other=pulseaudio
+    [[ $1 != pulseaudio ]] || other=pipewire-pulse
+    [[ -n ${XDG_CURRENT_DESKTOP:-} || -e /etc/X11/default-display-manager ]] &&
+        is_installed "$1" && ! is_installed "$other"
 }
 
 install_packages() {

@@ -34,6 +34,8 @@ with tempfile.TemporaryDirectory() as scratch:
     run("appstreamcli", "validate", "--no-net", share / "metainfo/org.quorlin.quorlin.metainfo.xml")
     for name in ("16x16/apps/quorlin.png", "512x512/apps/quorlin.png", "scalable/apps/quorlin.svg"):
         assert (share / "icons/hicolor" / name).stat().st_size > 0, name
+    assert f'version="{version}"' in next((share / "metainfo").iterdir()).read_text()
+    assert f"({version})" in run("zcat", share / "doc/quorlin/changelog.gz")
     assert "list\\-sources" in run("zcat", share / "man/man1/quorlin.1.gz")
 
     (home / "runtime").mkdir(mode=0o700)
