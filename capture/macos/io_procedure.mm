@@ -39,7 +39,8 @@ qint64 hostToSteady(UInt64 hostTime) {
     const UInt64 hostNs = AudioConvertHostTimeToNanos(hostTime);
     const UInt64 hostNowNs = AudioConvertHostTimeToNanos(AudioGetCurrentHostTime());
     // Unsigned, because a device may stamp its buffers with anything.
-    return static_cast<qint64>(static_cast<UInt64>(steadyNowNs()) - hostNowNs + hostNs);
+    const UInt64 steadyNs = static_cast<UInt64>(steadyNowNs()) - hostNowNs + hostNs;
+    return static_cast<qint64>(steadyNs);
 }
 
 // None when the device gives no time and the rate can't tell how long the block is.

@@ -64,7 +64,7 @@ void SoundServer::signal(int number) {
 
 QProcess& SoundServer::play(const QString& program, float peak, const QString& options) {
     const QString path = home.filePath(QString::number(programs.size()));
-    const QList<float> tone = sine(458, 48000, peak, 48000 * 30);
+    const QList<float> tone = sine(458, 48000, peak, 1'440'000);
     write(path, {reinterpret_cast<const char*>(tone.data()), tone.size() * 4});
     const QString command =
         u"--playback --raw --format=float32ne --rate=48000 --channels=1 --latency-msec=50 %1 "
@@ -104,7 +104,7 @@ QString SoundServer::addMicrophone(const QString& name, const QString& format, i
         return control(module + u"master=%1.monitor"_s.arg(feed));
     }
     const QString pipe = home.filePath(feed);
-    const QString number = control(module + u"file="_s + pipe);
+    QString number = control(module + u"file="_s + pipe);
     const bool isPadded = format == u"s24-32le"_s; // in the lower three bytes of four
     const QString sine = isPadded ? u"0.5/256*sin(2880*t)"_s : u"0.5*sin(2880*t)"_s;
     run(u"ffmpeg -v error -f lavfi -i aevalsrc=%1:s=%2 -f %3 -flush_packets 1 -y %4"_s

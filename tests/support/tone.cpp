@@ -19,13 +19,14 @@ Tone findTone(const QList<float>& samples, int rate, int channels) {
     double rise = 0;
     qsizetype silence = 0;
     for (qsizetype i = channels; i < samples.size(); i += channels) {
-        const float before = samples[i - channels], now = samples[i];
+        const float before = samples[i - channels];
+        const float now = samples[i];
         tone.peak = std::max(tone.peak, std::abs(now));
         silence = std::abs(now) < 0.001F ? silence + 1 : 0;
         tone.silence = std::max(tone.silence, silence);
         if (before >= 0 || now < 0)
             continue;
-        const double next = double(i / channels) - double(now / (now - before));
+        const double next = double(i) / channels - double(now / (now - before));
         periods << next - std::exchange(rise, next);
     }
     std::sort(periods.begin(), periods.end());
@@ -37,9 +38,11 @@ Tone findTone(const QList<float>& samples, int rate, int channels) {
 QString captureFault(const QList<AudioBlock>& blocks) {
     if (blocks.isEmpty())
         return u"no blocks"_s;
-    const int rate = blocks.last().sampleRate, channels = blocks.last().channels;
+    const int rate = blocks.last().sampleRate;
+    const int channels = blocks.last().channels;
     QList<float> samples;
-    qint64 endNs = blocks.first().timestampNs, gapNs = 0;
+    qint64 endNs = blocks.first().timestampNs;
+    qint64 gapNs = 0;
     for (const AudioBlock& block : blocks) {
         samples += block.samples;
         gapNs = std::max(gapNs, std::abs(block.timestampNs - endNs));

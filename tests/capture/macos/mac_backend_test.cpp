@@ -34,7 +34,7 @@ std::jthread playTone(int rate, float peak, unsigned apart = 1) {
         stamp.mHostTime = AudioGetCurrentHostTime() + 12'000'000; // a busy machine may lag
         stamp.mFlags = kAudioTimeStampHostTimeValid;
         auto due = std::chrono::steady_clock::now();
-        for (; !stop.stop_requested(); stamp.mHostTime += 240'000 * apart) {
+        for (; !stop.stop_requested(); stamp.mHostTime += 240'000UL * apart) {
             std::this_thread::sleep_until(due += std::chrono::milliseconds(10 * apart));
             deliver({{1, {reinterpret_cast<const char*>(cycle.data()), cycle.size() * 4}}}, &stamp);
         }
