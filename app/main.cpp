@@ -36,8 +36,8 @@ const QString kListSources = u"list-sources"_s;
 
 constexpr auto kSmokeTestDuration = 2s;
 
-// Of Qt's media back ends the one that plays and seeks Ogg Opus, MP3 and WAV everywhere, unless the
-// user has chosen another or this Qt comes without it.
+// Only Qt's FFmpeg back end plays and seeks Ogg Opus, MP3 and WAV on every platform. Keeps the
+// user's own choice, and Qt's default where the plug-in is missing.
 void chooseMediaBackend() {
     if (qEnvironmentVariableIsSet("QT_MEDIA_BACKEND"))
         return;
@@ -58,7 +58,7 @@ void nameApplication() {
     QApplication::setWindowIcon(QIcon(u":/app-icon.png"_s));
 }
 
-// Before any connection: values of these types travel between the threads.
+// These types cross threads in queued connections, which need the registration first.
 void registerTypes() {
     qRegisterMetaType<qn::AudioBlock>("qn::AudioBlock");
     qRegisterMetaType<qn::Settings>("qn::Settings");
@@ -81,7 +81,7 @@ QString dataFolder(const QCommandLineParser& parser) {
                : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
 }
 
-// Qt's own buttons and dialogs in the program's language, where Qt's translations are installed.
+// Translates Qt's own texts, if its translations are installed.
 void speakRussian(QTranslator& translator) {
     if (translator.load(QLocale(QLocale::Russian), u"qtbase"_s, u"_"_s,
                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
@@ -90,7 +90,7 @@ void speakRussian(QTranslator& translator) {
 
 int runWindow(const QString& dataDirectory, bool smokeTest) {
     try {
-        const qn::TerminationSignals termination; // outlives the window, which may be saving
+        const qn::TerminationSignals termination; // outlives the window, which may still be saving
         qn::Window window(dataDirectory);
         window.resize(window.size().boundedTo(window.screen()->availableSize()));
         window.show();
@@ -113,14 +113,15 @@ int runWindow(const QString& dataDirectory, bool smokeTest) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-    // The recording thread wakes a hundred times a second: Qt's own event loop is the lighter one.
+    // The recording thread wakes a hundred times a second, and Qt's own event loop costs less there
+    // than GLib's.
     qputenv("QT_NO_THREADED_GLIB", "1");
     const QApplication application(argc, argv);
     chooseMediaBackend();
     nameApplication();
     registerTypes();
     QTranslator translator;
-    speakRussian(translator); // the parser's help too
+    speakRussian(translator); // before the parser, whose help is translated too
     QCommandLineParser parser;
     parse(parser, application);
     if (parser.isSet(kListSources))

@@ -2,7 +2,7 @@
 
 namespace qn {
 
-// Prints the sources that can be captured, one a line, and returns the exit status.
+// Prints the sources that can be captured, one per line, and returns the exit status.
 int listSources();
 
 } // namespace qn

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
-int pipeEnds[2] = {-1, -1}; // the handler may do no more than write into it
+int pipeEnds[2] = {-1, -1}; // writing to a pipe is safe in a signal handler
 
 void notify(int) {
     const int interrupted = errno;
@@ -28,7 +28,7 @@ void handleSignals(void (*handler)(int)) {
     action.sa_flags = SA_RESTART;
     for (const int number : kSignals) {
         struct sigaction inherited = {};
-        // What the parent process has set to be ignored, as nohup does, stays ignored.
+        // A signal that the parent process set to be ignored, as nohup does, stays ignored.
         if (sigaction(number, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN)
             sigaction(number, &action, nullptr);
     }

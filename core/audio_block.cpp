@@ -11,7 +11,7 @@ qint64 steadyNowNs() {
 
 qint64 durationNs(qint64 frames, qint32 sampleRate) {
     constexpr qint64 kSecond = 1'000'000'000;
-    // Whole seconds apart: the plain product overflows after 53 hours at 48 kHz.
+    // Whole seconds separately, because frames * kSecond overflows after 53 hours at 48 kHz.
     return frames / sampleRate * kSecond + frames % sampleRate * kSecond / sampleRate;
 }
 

@@ -5,7 +5,7 @@
 
 namespace qn {
 
-// Limits of a block; the mixer ignores what is outside them.
+// The mixer ignores blocks outside these limits.
 inline constexpr qint32 kMaxChannels = 32;
 inline constexpr qint32 kLowestRate = 8000; // frames per second
 
@@ -19,10 +19,10 @@ struct AudioBlock {
     QString sourceKey;       // the producer; the mixer keeps conversion state per key
 };
 
-// The present as timestamps count it.
+// The steady clock's present time, as in `timestampNs`.
 qint64 steadyNowNs();
 
-// How long frames last, rounded towards zero. The rate is not 0.
+// How long that many frames last, rounded towards zero. The rate must not be 0.
 qint64 durationNs(qint64 frames, qint32 sampleRate);
 
 } // namespace qn

@@ -6,7 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype kLongestZoneId = 64; // the longest there is has 32 letters
+constexpr qsizetype kLongestZoneId = 64; // the longest real one has 32 characters
 
 } // namespace
 
@@ -19,8 +19,8 @@ QDateTime fromIsoText(const QString& text) {
 }
 
 QTimeZone recordingZone(const QString& timezone) {
-    // Qt opens the id as a path below the zone folder: a row must not lead it out of there. And it
-    // takes an endless word for a zone of that name.
+    // Qt opens the id as a path below the zone folder, and a database row must not lead it outside.
+    // Qt also accepts a word of any length as a zone of that name.
     if (!timezone.contains(".."_L1) && timezone.size() <= kLongestZoneId) {
         const QTimeZone zone(timezone.toUtf8());
         if (zone.isValid())

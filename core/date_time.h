@@ -6,11 +6,12 @@
 
 namespace qn {
 
-// An instant as stored: UTC, ISO 8601 with milliseconds. An invalid time is a null text and back.
+// An instant as stored: UTC, ISO 8601 with milliseconds. An invalid time and a null text stand for
+// each other.
 QString toIsoText(const QDateTime& instant);
 QDateTime fromIsoText(const QString& text);
 
-// The zone of a stored IANA id; the system's where the id names none.
+// The zone with that IANA id, or the system's zone if there is none.
 QTimeZone recordingZone(const QString& timezone);
 
 } // namespace qn

@@ -4,7 +4,7 @@
 
 namespace qn {
 
-// The one place that names it: the build reads it from here.
+// The program's version. It stands only here; the build reads it from this file.
 inline QString version() {
     return QStringLiteral("0.1.5");
 }

@@ -6,7 +6,7 @@
 
 namespace qn {
 
-// ffmpeg's output arguments for a format, container included, so that the file name is free.
+// ffmpeg's output arguments for a format. They name the container, so the file may have any suffix.
 QStringList codecArguments(AudioFormat format);
 
 } // namespace qn

@@ -21,7 +21,7 @@ float weightOfPosition(int bit) {
     }
 }
 
-// A select instead of a branch, so that loops over it vectorise.
+// Written without a branch, so that loops over it vectorise.
 float finiteOrZero(float sample) {
     return std::abs(sample) <= std::numeric_limits<float>::max() ? sample : 0.0F;
 }
@@ -53,7 +53,7 @@ DownMixWeights downMixWeights(int channels, quint64 channelMask) {
     const auto count = static_cast<size_t>(channels);
     for (size_t ch = 0; ch < count && channelMask != 0; ++ch) {
         weights.channel[ch] = weightOfPosition(std::countr_zero(channelMask));
-        channelMask &= channelMask - 1; // on to the next position
+        channelMask &= channelMask - 1; // clears the lowest bit, the position just used
     }
     weights.sum = 0;
     for (size_t ch = 0; ch < count; ++ch)
@@ -70,7 +70,7 @@ void downMix(std::span<const float> interleaved, int channels, const DownMixWeig
         for (size_t f = 0; f < frames; ++f)
             out[f] = finiteOrZero(in[f]);
     } else if (channels == 2 && isPlainMean(weights, channels)) {
-        // Halving is exact, so the float sum is the one in double, rounded.
+        // Halving is exact, so adding in float gives the same as rounding a sum of doubles.
         for (size_t f = 0; f < frames; ++f)
             out[f] = 0.5F * finiteOrZero(in[2 * f]) + 0.5F * finiteOrZero(in[2 * f + 1]);
     } else {

@@ -10,7 +10,7 @@ namespace qn {
 // How much each channel of an interleaved stream counts in its mono mix.
 struct DownMixWeights {
     std::array<float, kMaxChannels> channel;
-    double sum; // the divisor; 0 when no channel is heard
+    double sum; // the divisor; 0 if no channel counts
 };
 
 // Weights by speaker position (WAVE channel-mask bits in channel order; 0 = unknown, all equal).

@@ -25,8 +25,8 @@ constexpr int kKillTimeoutMs = 3'000;
 constexpr int kLastWordsMs = 500;
 constexpr qint64 kBytesPerSecond = kTimelineRate * qint64{sizeof(float)};
 constexpr qint64 kMaxQueuedBytes = 10 * kBytesPerSecond;
-constexpr qsizetype kErrorTail = 4'000;                   // characters of ffmpeg's errors shown
-constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20; // bytes of them kept
+constexpr qsizetype kErrorTail = 4'000;                   // characters of error output shown
+constexpr qsizetype kMaxErrorOutput = qsizetype{1} << 20; // bytes of it kept
 
 QStringList recordingArguments(const QString& path, AudioFormat format, const QDateTime& started) {
     return QStringList{u"-hide_banner"_s,
@@ -52,9 +52,9 @@ QStringList recordingArguments(const QString& path, AudioFormat format, const QD
 }
 
 #ifdef Q_OS_UNIX
-// Ctrl-C in a terminal goes to its whole process group, and a shutdown's SIGTERM to all that the
-// program started; the encoder must outlive both and get the rest of the audio. It ends with its
-// input. Blocked rather than ignored, because ffmpeg sets handlers of its own.
+// Ctrl-C in a terminal reaches the whole process group, and SIGTERM at a shutdown every process.
+// The encoder must survive both to write the rest of the audio; it ends when its input ends. The
+// signals are blocked rather than ignored, because ffmpeg installs handlers of its own.
 void outliveSignals() {
     ::setsid();
     sigset_t held;
@@ -82,7 +82,7 @@ bool Encoder::start(const QString& path, AudioFormat format, const QDateTime& st
         return false;
     }
     process.setProcessChannelMode(QProcess::SeparateChannels);
-    process.setStandardOutputFile(QProcess::nullDevice()); // else it would be gathered unread
+    process.setStandardOutputFile(QProcess::nullDevice()); // otherwise buffered in memory, unread
     watchProcess();
 #ifdef Q_OS_UNIX
     process.setChildProcessModifier(outliveSignals);
@@ -101,7 +101,7 @@ void Encoder::watchProcess() {
             Q_EMIT failed(
                 u"Кодировщик остановился (%1): %2"_s.arg(QString::number(exitCode), errorTail()));
     });
-    // A process that is ending closes its input too: it gets the time to say why.
+    // The input also closes when the process ends by itself, so it gets time to print its error.
     connect(&process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error != QProcess::WriteError || std::exchange(inputClosed, true))
             return;

@@ -12,8 +12,8 @@
 namespace qn {
 
 // One ffmpeg process that encodes 48 kHz mono float samples into one file. Used once: start, any
-// number of writes, then finish or abort. Lives on the worker's thread, which its bounded waits
-// block. Errors are texts for the user.
+// number of writes, then finish or abort. Lives on the worker's thread and blocks it for the times
+// given below. Errors are texts for the user.
 class Encoder : public QObject {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ public:
     using QObject::QObject;
     ~Encoder() override;
 
-    // Waits up to 5 s for the process. An existing file is never overwritten.
+    // Waits up to 5 s for the process to start. An existing file is never overwritten.
     bool start(const QString& path, AudioFormat format, const QDateTime& started, QString& error);
 
     // Queues the samples without waiting; more than 10 s of unwritten audio is a failure.
@@ -30,12 +30,12 @@ public:
     // Ends the input and waits up to 30 s for the file to be complete.
     bool finish(QString& error);
 
-    // Kills the process; the partial file stays. False if it does not end within 3 s, or has
-    // ended before.
+    // Kills the process; the partial file stays. False if it does not end within 3 s or had already
+    // ended.
     bool abort();
 
 Q_SIGNALS:
-    // The process ended by itself, or takes no more audio.
+    // The process ended by itself or takes no more audio.
     void failed(const QString&);
 
 private:
@@ -45,8 +45,8 @@ private:
 
     QProcess process;
     bool finishing = false;
-    bool inputClosed = false; // by the process, which may live on
-    QByteArray errorOutput;   // of the process, its end
+    bool inputClosed = false; // by the process, which may still run
+    QByteArray errorOutput;   // the last of the process's standard error
 };
 
 } // namespace qn

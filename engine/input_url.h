@@ -4,8 +4,8 @@
 
 namespace qn {
 
-// A local file as ffmpeg's input: an absolute path unchanged. In any other name ffmpeg would take
-// "name:" for a protocol and "-" for its standard input, so the file protocol is spelled out.
+// A local path as ffmpeg's input. A relative one gets the prefix "file:", because ffmpeg takes
+// "name:" at its start for a protocol and "-" for standard input.
 inline QString inputUrl(const QString& path) {
     return path.startsWith(u'/') ? path : QStringLiteral("file:") + path;
 }

@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kLongestMicrophoneSilence = 2s; // without a block, not without a sound
+constexpr auto kLongestMicrophoneSilence = 2s; // without blocks; blocks of silence are fine
 
 QString displayName(const QList<SourceEntry>& entries, const QString& id) {
     const auto last = std::find_if(entries.rbegin(), entries.rend(),
@@ -28,7 +28,7 @@ void RecorderWorker::openBackends() {
         if (state == State::Recording)
             push(TimelineMixer::kFarSide, block);
     });
-    // A breakdown never ends the recording: the next refresh opens a source again.
+    // A failed source never ends the recording: the next refresh opens one again.
     connect(backend.get(), &CaptureBackend::failed, this, [this](const QString& message) {
         activeSource.clear();
         warning(message);
@@ -100,7 +100,7 @@ void RecorderWorker::refreshMicrophone() {
 
 void RecorderWorker::startMicrophone(const MicrophoneEntry* wanted) {
     closeMicrophone();
-    if (state != State::Recording) // an error in what it still held has ended the session
+    if (state != State::Recording) // the last block failed and ended the session
         return;
     if (!wanted) {
         warning(u"Микрофон недоступен — ожидаем подключения"_s);
@@ -113,7 +113,7 @@ void RecorderWorker::startMicrophone(const MicrophoneEntry* wanted) {
     }
     lastBlock[TimelineMixer::kMicrophone] = Clock::now();
     microphoneId = wanted->id;
-    // A microphone that is opened in vain again and again is announced when it speaks.
+    // One that is reopened because it delivered nothing is announced only once it delivers.
     microphoneUnheard = microphoneUnheard && microphoneName == wanted->name;
     microphoneName = wanted->name;
     if (!microphoneUnheard)
@@ -128,7 +128,7 @@ void RecorderWorker::announceMicrophone() {
                           {u"fallback"_s, fallback}});
 }
 
-// Takes what it still holds.
+// Takes the samples it still holds before it closes.
 void RecorderWorker::closeMicrophone() {
     if (microphone)
         microphone->stop();

@@ -117,15 +117,15 @@ void RecorderWorker::restartTimeline() {
     mixer.reset(origin.count());
 }
 
-// A platform that asks the user for permission holds its first capture up until the answer: then
-// the recording starts with that.
+// A platform that asks the user for permission blocks the first capture until the answer. The
+// recording then starts at the answer.
 void RecorderWorker::openSources() {
     refreshSources();
     if (Clock::now() - sessionStart > std::chrono::seconds(kLargestLag / kTimelineRate))
         restartTimeline();
 }
 
-// Valid in every state: a paused segment is in accumulatedSamples alone.
+// While paused, accumulatedSamples already includes what the mixer has counted.
 qint64 RecorderWorker::samplesWritten() const {
     return accumulatedSamples + (state == State::Recording ? mixer.samplesRead() : 0);
 }
@@ -140,7 +140,7 @@ void RecorderWorker::tick() {
     watch(Clock::now());
 }
 
-// The mixer's level falls only while blocks arrive: a side that delivers none is silent.
+// The mixer's level falls only while blocks arrive, so a side that delivers none gets 0.
 float RecorderWorker::currentLevel(int input) const {
     return Clock::now() - lastBlock[input] < kLevelHolds ? mixer.level(input) : 0;
 }
@@ -163,7 +163,7 @@ void RecorderWorker::watch(Clock::time_point now) {
 bool RecorderWorker::diskIsFull() const {
     const QStorageInfo volume(QFileInfo(partPath).absolutePath());
     const qint64 available = volume.bytesAvailable();
-    // A volume that does not tell its free space reports -1.
+    // -1 when the volume does not report its free space.
     return volume.isValid() && available >= 0 && available < kLeastFreeBytes;
 }
 
@@ -177,7 +177,7 @@ void RecorderWorker::render(bool flush) {
     }
     while (mixer.samplesRead() < target) {
         const qint64 count = std::min(target - mixer.samplesRead(), kLargestChunk);
-        // ffmpeg is woken ten times a second, not with every tick.
+        // So that ffmpeg is woken ten times a second, not at every tick.
         if (!flush && count < kLargestChunk)
             return;
         QString error;
@@ -197,8 +197,8 @@ void RecorderWorker::push(int input, const AudioBlock& block) {
     }
 }
 
-// Ends the session. Errors that arrive from within, for instance during the last render, are kept
-// in pendingError and count only if there was none before.
+// Ends the session. An error raised meanwhile, for instance by the last render, is kept in
+// pendingError and counts only if there was none before.
 void RecorderWorker::finish(const QString& error) {
     if (finishing) {
         if (!error.isEmpty())
@@ -220,7 +220,7 @@ void RecorderWorker::finish(const QString& error) {
     QString encoderError;
     if (encoder && !encoder->finish(encoderError) && message.isEmpty())
         message = encoderError.isEmpty() ? u"Не удалось завершить файл"_s : encoderError;
-    // The session may be ending inside the encoder's own signal.
+    // Deleted later, because this may run inside one of the encoder's signals.
     if (encoder)
         encoder.release()->deleteLater();
     backend.reset();
@@ -238,7 +238,7 @@ void RecorderWorker::drain() {
         render(true);
 }
 
-// Gives the finished file its final name and returns that; empty when it kept the temporary one.
+// Removes ".part" from the finished file's name and returns its path; empty if that failed.
 QString RecorderWorker::keepFile() {
     const QString finalPath = partPath.chopped(std::min(kPartSuffixLength, partPath.size()));
     return QFile::rename(partPath, finalPath) ? finalPath : QString();

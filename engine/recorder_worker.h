@@ -26,9 +26,9 @@ struct MicrophoneEntry;
 struct Selection;
 
 // Runs one recording at a time: far side and microphone through the mixer into the encoder. Lives
-// on a thread of its own; every slot and member belongs to that thread, callers queue to it. The
-// file carries ".part" until it is complete. The session is in recorder_worker.cpp, the watch over
-// both sources in recorder_sources.cpp.
+// on a thread of its own, to which others queue their calls. The file's name ends in ".part" until
+// it is complete. recorder_worker.cpp runs the session, recorder_sources.cpp opens the two sources
+// and reopens them when they change or fail.
 class RecorderWorker : public QObject {
     Q_OBJECT
 
@@ -37,9 +37,9 @@ public:
     ~RecorderWorker() override;
 
 public Q_SLOTS:
-    // Ignored unless no session runs. `partPath` ends in ".part".
+    // Ignored while a session runs. `partPath` ends in ".part".
     void begin(const qn::Settings& settings, const QString& partPath);
-    // Closes the sources and keeps the file open; the pause is absent from the file.
+    // Closes the sources and keeps the file open; the file has no gap for the pause.
     void pause();
     void resume();
     void stop();
@@ -49,7 +49,7 @@ Q_SIGNALS:
     void began(const QDateTime&); // UTC
     void progress(qint64 durationMs);
     void levels(float microphone, float system); // peaks, full scale 1.0
-    // A switch of a source, or a warning; `details` is what the journal keeps of it.
+    // A source was opened, or a warning; `details` is for the journal.
     void sourceChanged(const QString& description, const QJsonObject& details);
     // The final path, or the ".part" path with the first error of the session.
     void completed(const QString& path, qint64 durationMs, const QString& error);
@@ -94,7 +94,7 @@ private:
     QByteArray microphoneId; // empty when no microphone is open
     QString microphoneName;  // of the one opened last
     std::unique_ptr<CaptureBackend> backend;
-    // Kept until the next recording: one may end inside its signals.
+    // Kept until the next recording, because a session may end inside one of its signals.
     std::unique_ptr<MicrophoneBackend> microphone;
     std::unique_ptr<Encoder> encoder;
     QTimer* timer = nullptr;
@@ -103,8 +103,8 @@ private:
     qint64 accumulatedSamples = 0;  // of the segments that ended with a pause
     Clock::time_point lastRefresh;
     Clock::time_point lastProgress;
-    Clock::time_point lastBlock[2]; // by mixer input; the microphone's also when it was opened
-    bool microphoneUnheard = false; // opened anew after a silence, and still silent
+    Clock::time_point lastBlock[2]; // by mixer input; opening the microphone counts as a block
+    bool microphoneUnheard = false; // reopened for lack of blocks, and none has come yet
     bool finishing = false;
 };
 

@@ -9,7 +9,7 @@
 namespace qn {
 namespace {
 
-constexpr size_t kOutputSlack = 512; // samples the filter may release on top of the block's own
+constexpr size_t kOutputSlack = 512; // samples of earlier blocks that the filter may still release
 
 } // namespace
 

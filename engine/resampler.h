@@ -10,15 +10,15 @@ struct soxr;
 
 namespace qn {
 
-// Converts one source's mono stream to 48 kHz, block by block. The filter's delay stays inside:
-// the stream is never flushed.
+// Converts one source's mono stream to 48 kHz, block by block. It is never flushed: what the filter
+// delays at the end of the stream is dropped.
 class Resampler {
 public:
-    // Starts a new stream when the rate differs from the last one. False when it is unchanged.
-    // Throws std::runtime_error when libsoxr refuses the rate.
+    // Starts a new stream if the rate differs from the last one; false if it is unchanged. Throws
+    // std::runtime_error if libsoxr refuses the rate.
     bool setInputRate(qint32 rate);
 
-    // The block at 48 kHz: `mono` itself when that is its rate, else a view of this object's
+    // The block at 48 kHz: `mono` itself if that is its rate, otherwise a view of this object's
     // buffer, valid until the next call. `mono` must not be null. Throws std::runtime_error.
     std::span<const float> process(std::span<const float> mono);
 

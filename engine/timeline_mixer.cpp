@@ -56,7 +56,7 @@ float peakOf(std::span<const float> samples) {
 struct TimelineMixer::Track {
     TimelineRing ring;
     QMap<QString, std::shared_ptr<Source>> resamplers; // by source key
-    std::vector<float> mono;                           // scratch of push
+    std::vector<float> mono;                           // scratch buffer of push
     float level = 0;
 
     std::shared_ptr<Source> sourceOf(const QString& key);
@@ -82,7 +82,7 @@ std::span<const float> TimelineMixer::Track::downMixed(const AudioBlock& block,
     return result;
 }
 
-// Keeps what lies within the ring's reach of the next index to read; the rest is lost.
+// Adds the part of `output` that fits into the ring, which begins at `from`; drops the rest.
 void TimelineMixer::Track::place(qint64 first, std::span<const float> output, qint64 from) {
     const auto count = static_cast<qint64>(output.size());
     const qint64 begin = std::clamp<qint64>(from - first, 0, count);
@@ -109,7 +109,7 @@ void TimelineMixer::push(int input, const AudioBlock& block) {
     if ((input != kMicrophone && input != kFarSide) || !isAcceptable(block))
         return;
     Track& track = *inputs[input];
-    // First, because a producer counts among those kept even while nothing of it is heard.
+    // Before the check below: a producer that is not heard still counts as one of the sources.
     const std::shared_ptr<Source> source = track.sourceOf(block.sourceKey);
     const DownMixWeights weights = downMixWeights(block.channels, block.channelMask);
     if (weights.sum == 0)

@@ -9,8 +9,8 @@
 namespace qn {
 
 // Places the blocks of two inputs on one timeline of 48 kHz mono samples by their capture times,
-// and hands out the sum in order. Sample n is the steady-clock instant origin + n / 48000 s. One
-// thread only; the timeline is allocated by reset and never grows.
+// and hands out the sum in order. Sample n belongs to the steady-clock time origin + n / 48000 s.
+// One thread only; reset allocates the timeline, which never grows.
 class TimelineMixer {
 public:
     static constexpr int kMicrophone = 0;
@@ -19,13 +19,14 @@ public:
     TimelineMixer();
     ~TimelineMixer();
 
-    // Starts an empty timeline at that steady-clock time in nanoseconds.
+    // Starts an empty timeline; `originNs` is its steady-clock start in nanoseconds.
     void reset(qint64 originNs);
 
-    // Ignores a block that no input can hold; throws std::runtime_error when it can't be resampled.
+    // Ignores an unknown input and an empty or out-of-limits block; throws std::runtime_error if
+    // the block can't be resampled.
     void push(int input, const AudioBlock& block);
 
-    // The next `count` samples, clamped to +-1; silence where no input delivered.
+    // The next `count` samples, clamped to +-1; 0 where no input delivered.
     QList<float> read(int count);
 
     // Decaying peak of the input's absolute samples; falls only while blocks arrive.

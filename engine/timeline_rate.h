@@ -4,7 +4,7 @@
 
 namespace qn {
 
-// Samples per second of the timeline, and so of what the encoder gets.
+// Samples per second of the timeline and of the encoder's input.
 inline constexpr qint32 kTimelineRate = 48000;
 
 } // namespace qn

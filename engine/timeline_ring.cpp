@@ -5,7 +5,7 @@
 namespace qn {
 namespace {
 
-// Calls part(slot, offset, length) for each piece of a run that is contiguous in the ring.
+// Splits a run where it wraps around the ring: calls part(slot, offset, length) for each piece.
 template <typename Part> void forEachPart(qint64 first, size_t count, Part part) {
     auto slot = static_cast<size_t>(first % TimelineRing::kCapacity);
     for (size_t offset = 0; offset < count; slot = 0) {

@@ -4,9 +4,9 @@
 
 namespace qn {
 
-// Path of an auxiliary tool: the environment's QUORLIN_<NAME> unchecked, else the tool beside
-// the program or among its bundle's resources, else the search path's. Empty when there is none.
-// All three may be called on any thread once the application object exists.
+// Path of an auxiliary tool: the environment variable QUORLIN_<NAME>, unchecked; else the tool in
+// "tools" beside the program or in its bundle's resources; else the one found on PATH. Empty if
+// there is none. All three functions work on any thread once the application object exists.
 QString toolPath(const QString& name);
 
 QString ffmpegPath();

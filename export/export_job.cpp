@@ -54,11 +54,11 @@ QStringList transcodeArguments(const Recording& recording, AudioFormat format,
 } // namespace
 
 ExportJob::ExportJob(QObject* parent) : QObject(parent) {
-    process.setStandardOutputFile(QProcess::nullDevice()); // else it would be gathered unread
+    process.setStandardOutputFile(QProcess::nullDevice()); // otherwise buffered in memory, unread
 }
 
-// A killed process still reports its end, and until it is gone it may create the temporary file
-// anew: so it is silenced first and gone before the files are removed.
+// A killed process still emits finished(), so its signals are disconnected first. Until it is gone
+// it may create the temporary file again, so its end is waited for before the file is removed.
 ExportJob::~ExportJob() {
     process.disconnect(this);
     if (process.state() != QProcess::NotRunning) {
@@ -76,7 +76,7 @@ void ExportJob::start(const Recording& recording, const QString& target, AudioFo
     }
     output = std::make_unique<QSaveFile>(target);
     output->setDirectWriteFallback(false);
-    // Unbuffered, so that a full disk shows at the write and not as a loss behind the last one.
+    // Unbuffered, so that write() itself reports a full disk, for the last bytes too.
     if (!output->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         const QString message = output->errorString();
         output.reset();
@@ -109,7 +109,7 @@ void ExportJob::transcode(const Recording& recording, const QString& target, Aud
         complete(false, u"FFmpeg не найден"_s);
         return;
     }
-    // Beside the target, so that both are on one volume.
+    // Beside the target, on the same volume.
     const QString folder = QFileInfo(target).absolutePath();
     removeStaleFiles(folder);
     temporary = std::make_unique<QTemporaryFile>(temporaryFileTemplate(folder));
@@ -123,7 +123,8 @@ void ExportJob::transcode(const Recording& recording, const QString& target, Aud
     process.disconnect(this);
     connect(&process, &QProcess::readyReadStandardError, this, &ExportJob::readProgress);
     connect(&process, &QProcess::finished, this, &ExportJob::processFinished);
-    // Queued: QProcess is not free for the receiver's next export while it reports a failed start.
+    // Queued, because the receiver may start the next export, and QProcess cannot start again while
+    // it is reporting a failed start.
     connect(&process, &QProcess::errorOccurred, this, &ExportJob::processFailed,
             Qt::QueuedConnection);
     process.start(program, transcodeArguments(recording, format, destination));
@@ -138,7 +139,7 @@ void ExportJob::readProgress() {
         lineBuffer.remove(0, end + 1);
         reportProgress(line);
     }
-    // No line of interest is that long; one without an end must not grow.
+    // No progress line is that long, and a line that never ends must not grow.
     lineBuffer.truncate(kErrorTailBytes);
 }
 
@@ -146,7 +147,7 @@ void ExportJob::reportProgress(const QByteArray& line) {
     static constexpr QByteArrayView kKey = "out_time_us=";
     if (!line.startsWith(kKey))
         return;
-    // Before its first packet ffmpeg may state the least number there is.
+    // Before its first packet ffmpeg may report the lowest 64-bit integer.
     const qint64 microseconds =
         std::clamp(line.mid(kKey.size()).toLongLong(), -kMostMicroseconds, kMostMicroseconds);
     transcodedMs = microseconds / 1000;

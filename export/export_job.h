@@ -17,9 +17,9 @@ class QTimer;
 
 namespace qn {
 
-// Writes one recording to a file of the user's choice: a copy when it is complete and in the wanted
-// format, else a transcode through a hidden temporary file beside the target. The target is
-// replaced only by a complete export. One export at a time, all on the owner's thread.
+// Writes one recording to a file of the user's choice: copies it if it is complete and in the
+// wanted format, otherwise transcodes it through a hidden temporary file beside the target. The
+// target is replaced only by a complete export. One export at a time, all on the owner's thread.
 class ExportJob : public QObject {
     Q_OBJECT
 
@@ -30,18 +30,18 @@ public:
     // Ignored while an export runs.
     void start(const Recording& recording, const QString& target, AudioFormat format);
 
-    // The result arrives as `finished`; ignored when nothing runs.
+    // `finished` reports the end; ignored if nothing runs.
     void cancel();
 
     bool isRunning() const { return running; }
 
-    // How much audio the last transcode has written; 0 when it was a copy.
+    // Milliseconds of audio that the last export has transcoded; 0 if it was a copy.
     qint64 transcodedLength() const { return transcodedMs; }
 
 Q_SIGNALS:
     void progress(int percent);
 
-    // Emitted once per export, when the job is free again; a message for the user.
+    // Emitted once per export, when the job is free again, with a message for the user.
     void finished(bool success, const QString& message);
 
 private:
@@ -55,7 +55,7 @@ private:
     void copyStep(QFile& file, QTimer& timer);
     void completeCopy(QTimer& timer, bool success, const QString& message);
 
-    // Every way out: drops the partial files, then reports.
+    // Ends every export, however it went: removes the partial files, then reports.
     void complete(bool success, const QString& message);
 
     QProcess process;

@@ -19,7 +19,8 @@ namespace {
 
 constexpr qint64 kLeastAgeSeconds = 3600;
 
-// Of the processes that this one may look into; where there is no such list, age alone counts.
+// Files open in the processes that this one may inspect; none without /proc, where only the file's
+// age counts.
 QSet<QString> openFiles() {
     QSet<QString> paths;
     const QStringList processes = QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs);

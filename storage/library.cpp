@@ -24,7 +24,7 @@ namespace {
     throw std::runtime_error(error.text().toStdString());
 }
 
-// A statement that cannot be prepared fails here too, so preparing needs no check of its own.
+// exec also fails if the statement could not be prepared, so prepare needs no check of its own.
 void run(QSqlQuery& query) {
     if (!query.exec())
         raise(query.lastError());
@@ -48,7 +48,7 @@ bool next(QSqlQuery& query) {
     return false;
 }
 
-// Empty and null alike as '', never NULL.
+// A null text would be stored as NULL, which most columns forbid.
 QString nonNull(const QString& text) {
     return text.isEmpty() ? u""_s : text;
 }
@@ -61,7 +61,8 @@ QJsonObject fromJsonText(const QString& text) {
     return QJsonDocument::fromJson(text.toUtf8()).object();
 }
 
-// Tells whether a recording started on the wanted day of its own zone; an invalid day wants all.
+// Accepts recordings that started on one day, by the date in their own time zone. An invalid day
+// accepts all.
 class DayFilter {
 public:
     explicit DayFilter(const QDate& wanted) : day(wanted) {}
@@ -69,7 +70,7 @@ public:
     bool accepts(const QDateTime& started, const QString& timezone) {
         if (!day.isValid())
             return true;
-        // No zone is a whole day away from UTC: most rows are settled without theirs.
+        // No zone is a whole day away from UTC, so most rows need no look-up of their zone.
         const qint64 daysAway = started.toUTC().date().daysTo(day);
         if (!started.isValid() || daysAway < -1 || daysAway > 1)
             return false;
@@ -123,7 +124,7 @@ void Library::open(const QString& path) {
 }
 
 void Library::close() {
-    // The driver keeps a connection alive, and warns, while any handle to it is left.
+    // The last handle must go first: until then removeDatabase only warns and closes nothing.
     db = QSqlDatabase();
     QSqlDatabase::removeDatabase(connectionName);
 }
@@ -159,14 +160,14 @@ QList<Recording> Library::list(const QString& search, const QDate& date) const {
     return found;
 }
 
-// Reads all rows when this connection or another has written since the last time, which a search
-// that is being typed need not wait for.
+// Reads the rows again only if this or another connection has written since the last time, so that
+// typing a search need not wait for the database.
 void Library::readChanges() const {
     const auto number = [this](const QString& sql) {
         QSqlQuery query = run(db, sql);
         return next(query) ? query.value(0).toLongLong() : 0;
     };
-    // The first counts what other connections have written, the second what this one has.
+    // The first changes with the writes of other connections, the second with those of this one.
     const std::pair version(number(u"PRAGMA data_version"_s), number(u"SELECT total_changes()"_s));
     if (version == knownVersion)
         return;
@@ -176,7 +177,7 @@ void Library::readChanges() const {
 }
 
 void Library::readAll() const {
-    known.clear(); // now, so that the new rows find its memory
+    known.clear(); // before reading, so that the new rows can reuse the memory
     QSqlQuery query = run(db, u"SELECT id,title,path,format,timezone,started,ended,duration_ms,"
                               u"status,details FROM recordings ORDER BY started DESC"_s);
     const auto text = [&query](int column) { return query.value(column).toString(); };

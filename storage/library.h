@@ -14,12 +14,12 @@
 
 namespace qn {
 
-// The recordings and the journal of each, in one SQLite file. Main thread only. Every operation
-// runs at once and throws std::runtime_error with the driver's text when it fails; a database that
-// another process has locked is waited for up to 5 s.
+// The recordings and the journal of each, in one SQLite file. Main thread only. Every call blocks,
+// up to 5 s if another process has locked the database, and throws std::runtime_error with the
+// driver's text if it fails.
 class Library {
 public:
-    // Opens the file or creates it with its folder.
+    // Creates the file and its folder if they are missing.
     explicit Library(const QString& path);
     ~Library();
     Library(const Library&) = delete;
@@ -30,12 +30,13 @@ public:
     // Writes everything except id, title, format and timezone; an unknown id is no error.
     void update(const Recording& r);
 
-    // Newest start first. The title filter ignores case; the date is that of the recording's zone.
+    // Newest first. `search` matches titles and ignores case; `date` is the day of the start in the
+    // recording's own zone. Empty and invalid match everything.
     QList<Recording> list(const QString& search, const QDate& date) const;
 
     void rename(const QString& id, const QString& title);
 
-    // Removes the row and its journal; the audio file is the caller's.
+    // Removes the row and its journal, not the audio file.
     void remove(const QString& id);
 
     // Appends to the journal.
@@ -45,7 +46,7 @@ public:
     // The journal, oldest first: objects with "at" (UTC, ISO 8601 with ms), "kind" and "details".
     QJsonArray events(const QString& recordingId) const;
 
-    // Marks the sessions that an earlier run left active.
+    // Gives the sessions that an earlier run left active the status "interrupted".
     void markInterrupted();
 
 private:

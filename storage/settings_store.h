@@ -8,7 +8,7 @@ namespace qn {
 // Main thread only.
 Settings loadSettings();
 
-// Writes all six preferences through to storage.
+// Writes all six preferences to disk at once.
 void saveSettings(const Settings& settings);
 
 } // namespace qn
