@@ -100,26 +100,23 @@ private Q_SLOTS:
         const QString status = u"Ошибка Core Audio (-50). Проверьте разрешение на запись "
                                "системного звука в настройках macOS."_s;
         const QString format = u"Неизвестный формат системного звука"_s;
-        const struct {
-            QString refused, text;
-            UInt32 channels = 2, formatId = kAudioFormatLinearPCM;
-        } rows[] = {
-            {u"AudioHardwareCreateProcessTap"_s, status},
-            {u"tfmt"_s, u"Не удалось получить формат Core Audio tap"_s},
-            {u"tuid"_s, u"Не удалось получить Core Audio tap UID"_s},
-            {u"AudioHardwareCreateAggregateDevice"_s, status},
-            {u"AudioDeviceCreateIOProcID"_s, status},
-            {u"AudioDeviceStart"_s, status},
-            {{}, format, 0},
-            {{}, format, 33},
-            {{}, format, 2, kAudioFormatLinearPCM + 1},
-        };
-        for (const auto& row : rows) {
-            mac.refusals = {{row.refused, -50}};
-            setTapFormat(1, 32, row.channels, 48000, row.formatId);
+        constexpr UInt32 kPcm = kAudioFormatLinearPCM;
+        const std::tuple<QString, QString, UInt32, UInt32> rows[]{
+            {u"AudioHardwareCreateProcessTap"_s, status, 2, kPcm},
+            {u"tfmt"_s, u"Не удалось получить формат Core Audio tap"_s, 2, kPcm},
+            {u"tuid"_s, u"Не удалось получить Core Audio tap UID"_s, 2, kPcm},
+            {u"AudioHardwareCreateAggregateDevice"_s, status, 2, kPcm},
+            {u"AudioDeviceCreateIOProcID"_s, status, 2, kPcm},
+            {u"AudioDeviceStart"_s, status, 2, kPcm},
+            {{}, format, 0, kPcm},
+            {{}, format, 33, kPcm},
+            {{}, format, 2, kPcm + 1}};
+        for (const auto& [refused, text, channels, formatId] : rows) {
+            mac.refusals = {{refused, -50}};
+            setTapFormat(1, 32, channels, 48000, formatId);
             QVERIFY(!start());
-            QCOMPARE(error, row.text);
-            QVERIFY2(mac.isClean(), qPrintable(row.refused));
+            QCOMPARE(error, text);
+            QVERIFY2(mac.isClean(), qPrintable(refused));
         }
     }
 
@@ -245,26 +242,22 @@ private Q_SLOTS:
         AudioTimeStamp stamp = {};
         stamp.mHostTime = AudioGetCurrentHostTime() - 12'000'000; // half a second ago
         const qint64 stampNs = QDeadlineTimer::current().deadlineNSecs() - 500'000'000;
-        const struct {
-            double rate;
-            qint32 sampleRate; // -1: no block
-            UInt32 flags;
-            qint64 lastsNs; // 0: the stamp holds
-        } rows[] = {{48000, 48000, 2 | 1, 0},
-                    {48000, 48000, 1, 1'000'000'000},
-                    {24000.9, 24000, 0, 2'000'000'000},
-                    {-INFINITY, 0, 2, 0},
-                    {NAN, -1, 0, 0},
-                    {1e300, -1, 0, 0}};
-        for (const auto& row : rows) {
-            setTapFormat(1, 32, 1, row.rate);
+        // Rate, that of the block (-1: none), flags, how long it lasts (0: the stamp holds).
+        const std::tuple<double, qint32, UInt32, qint64> rows[]{{48000, 48000, 2 | 1, 0},
+                                                                {48000, 48000, 1, 1'000'000'000},
+                                                                {24000.9, 24000, 0, 2'000'000'000},
+                                                                {-INFINITY, 0, 2, 0},
+                                                                {NAN, -1, 0, 0},
+                                                                {1e300, -1, 0, 0}};
+        for (const auto& [rate, sampleRate, flags, lastsNs] : rows) {
+            setTapFormat(1, 32, 1, rate);
             QVERIFY(start());
-            stamp.mFlags = row.flags;
+            stamp.mFlags = flags;
             const qint64 before = QDeadlineTimer::current().deadlineNSecs();
-            deliver({{1, QByteArray(192'000, '\0')}}, row.flags != 0 ? &stamp : nullptr);
+            deliver({{1, QByteArray(192'000, '\0')}}, flags != 0 ? &stamp : nullptr);
             const qint64 spent = QDeadlineTimer::current().deadlineNSecs() - before + 10'000'000;
-            QCOMPARE(blocks.isEmpty() ? -1 : blocks[0].sampleRate, row.sampleRate);
-            const qint64 expected = row.lastsNs == 0 ? stampNs : before - row.lastsNs;
+            QCOMPARE(blocks.isEmpty() ? -1 : blocks[0].sampleRate, sampleRate);
+            const qint64 expected = lastsNs == 0 ? stampNs : before - lastsNs;
             QVERIFY(blocks.isEmpty() || qAbs(blocks[0].timestampNs - expected) < spent);
         }
     }
