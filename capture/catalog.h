@@ -7,7 +7,7 @@
 
 namespace qn {
 
-// What the far side is recorded from; the numbers are kept in the settings.
+// What the far side is recorded from; the settings store the numbers.
 enum class SourceKind : qint32 {
     System = 0,      // everything played on the default output device
     Device = 1,      // everything played on one chosen output device
@@ -22,7 +22,7 @@ struct Selection {
 
 struct SourceEntry {
     QString id;   // stable over restarts, never empty
-    QString name; // for people; a device may have none
+    QString name; // shown to the user; a device's may be empty
 };
 
 // What can be captured right now, in the platform's order.
@@ -32,7 +32,7 @@ struct Catalog {
     QString defaultOutput; // id of an entry of `outputs`, or empty
 };
 
-// The choice that the settings keep.
+// The choice stored in the settings.
 Selection selectionOf(const Settings& settings);
 
 // The id of the source to open now, or empty. A device that is not connected falls back to the

@@ -13,7 +13,7 @@ namespace qn {
 
 struct MicrophoneEntry {
     QByteArray id; // stable over restarts, never empty
-    QString name;  // for people
+    QString name;  // shown to the user
 };
 
 // What can be recorded right now, in the platform's order.
@@ -22,8 +22,7 @@ struct MicrophoneList {
     QByteArray defaultId; // of an entry, or empty
 };
 
-// The entry with the id `chosen` while it is connected, the default one otherwise; null when there
-// is neither.
+// The entry with the id `chosen`, else the default one; null if neither is connected.
 const MicrophoneEntry* resolveMicrophone(const QByteArray& chosen, const MicrophoneList& list);
 
 // Captures one microphone. Lives on its owner's thread, where list, start and stop are called; each
@@ -34,26 +33,26 @@ class MicrophoneBackend : public QObject {
 public:
     using QObject::QObject;
 
-    // Enumerates the microphones now, without disturbing a capture in progress.
+    // Lists the microphones there are now, without disturbing a capture in progress.
     virtual MicrophoneList list() const = 0;
 
-    // Stops whatever runs, then captures the microphone `id`. False with a message for the user in
-    // `error`, and stopped, when it cannot.
+    // Stops any capture, then captures the microphone `id`. On failure it returns false with a
+    // message for the user in `error`, and nothing is captured.
     virtual bool start(const QByteArray& id, QString& error) = 0;
 
-    // Emits what is held back as a last block, then releases the microphone; harmless when nothing
-    // runs.
+    // Emits the samples still held back as last blocks, then releases the microphone; harmless if
+    // nothing is captured.
     virtual void stop() = 0;
 
 Q_SIGNALS:
-    // May come on a thread of the platform's: connect with a context object.
+    // May be emitted on a thread of the platform; connect with a context object.
     void block(const qn::AudioBlock&);
 
-    // The capture broke down after a successful start; a message for the user. As block.
+    // The capture failed after a successful start; a message for the user. Connect as for block.
     void failed(const QString&);
 };
 
-// The platform's microphones, without a parent, stopped. Defined by the platform's folder alone.
+// A new backend of this platform, stopped and without a parent. Defined in the platform's folder.
 std::unique_ptr<MicrophoneBackend> makeMicrophoneBackend();
 
 } // namespace qn

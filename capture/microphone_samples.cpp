@@ -6,7 +6,7 @@ namespace qn {
 
 namespace {
 
-// Sample i of type T, scaled to +-1; the bytes have no alignment.
+// Sample i of type T, scaled to +-1; the bytes need not be aligned.
 template <typename T> float sampleAt(const char* bytes, qsizetype i, float zero, float scale) {
     T value;
     std::memcpy(&value, bytes + i * qsizetype{sizeof(T)}, sizeof(T));

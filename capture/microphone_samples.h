@@ -7,8 +7,8 @@
 
 namespace qn {
 
-// Takes the whole frames out of `bytes`, which keeps a partial one for the next time, as a block
-// that ends at `endNs`. No samples when there is no whole frame or the format is unknown.
+// Moves the whole frames in `bytes` into a block that ends at `endNs`; a partial frame stays in
+// `bytes`. The block is empty if there is no whole frame or the format is unknown.
 AudioBlock takeMicrophoneBlock(QByteArray& bytes, const QAudioFormat& format, qint64 endNs);
 
 } // namespace qn

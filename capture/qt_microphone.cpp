@@ -18,8 +18,8 @@ namespace {
 constexpr qint64 kBufferUs = 100'000;
 constexpr qsizetype kLeastBuffer = 4096; // bytes
 
-// The far side's own device, which macOS shows to the process that made it: with it as microphone
-// the far side would be recorded twice.
+// The private device that captures the far side on macOS. Only this process sees it; as microphone
+// it would record the far side twice.
 constexpr auto kOwnDevice = "Quorlin Capture"_L1;
 
 QList<QAudioDevice> microphones() {
@@ -43,7 +43,7 @@ private:
     void stateChanged(QAudio::State state);
 
     std::unique_ptr<QAudioSource> source;
-    QPointer<QIODevice> device; // the source's, which may delete it on failure
+    QPointer<QIODevice> device; // owned by the source, which may delete it on failure
     QAudioFormat format;
     QByteArray pending; // bytes of an incomplete frame
 };
@@ -78,7 +78,7 @@ void QtMicrophone::open(const QAudioDevice& microphone) {
     source = std::make_unique<QAudioSource>(microphone, format);
     source->setBufferSize(std::max<qsizetype>(format.bytesForDuration(kBufferUs), kLeastBuffer));
     device = source->start();
-    // Some versions of Qt return a device although the microphone could not be opened.
+    // Some versions of Qt return a device even if the microphone could not be opened.
     if (!device || source->error() != QAudio::NoError) {
         close();
         return;
@@ -109,7 +109,7 @@ void QtMicrophone::close() {
     if (source) {
         source->disconnect(this);
         source->stop();
-        source.release()->deleteLater(); // this may be inside a signal of its own
+        source.release()->deleteLater(); // this may run inside one of its signals
     }
     device.clear();
     pending.clear();

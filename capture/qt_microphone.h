@@ -4,7 +4,7 @@
 
 namespace qn {
 
-// Microphones through Qt's audio input, for platforms without an implementation of their own.
+// A microphone backend on Qt's audio input, for platforms without one of their own.
 std::unique_ptr<MicrophoneBackend> makeQtMicrophone();
 
 } // namespace qn

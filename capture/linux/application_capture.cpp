@@ -11,11 +11,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Streams are opened this long after the last event: on PipeWire a recording opened while links
-// still change stays silent.
+// Time without events before streams are opened: PipeWire leaves a recording silent that is opened
+// while its links still change.
 constexpr auto kQuietTime = 150ms;
 
-// Not every change is announced.
+// Checked regularly too, because the server does not announce every change.
 constexpr auto kCheckInterval = 500ms;
 
 } // namespace

@@ -13,8 +13,8 @@
 namespace qn {
 
 // Records every stream that one application plays, each under a source key of its own, and follows
-// them as they start, end and move. Used under the connection's lock; to be destroyed at
-// the latest when the connection is lost.
+// them as they start, end and move. Used under the connection's lock. Must be destroyed no later
+// than when the connection is lost.
 class ApplicationCapture {
 public:
     // Begins with the streams of `snapshot`.
@@ -27,7 +27,7 @@ public:
 private:
     struct OpenStream {
         quint32 sink; // where it played when it was opened
-        int slot;     // names the source key; free ones are used again
+        int slot;     // gives the source key; free numbers are reused
         std::unique_ptr<RecordStream> stream;
     };
 
@@ -43,9 +43,9 @@ private:
     QString ownProcessId;
     BlockReceiver receiver;
     std::unordered_map<quint32, OpenStream> openStreams; // by stream index
-    std::unique_ptr<ServerQuery> query;                  // unanswered
-    PulseTimer quiet;                                    // until nothing has changed for a while
-    PulseTimer interval;                                 // until the next check anyway
+    std::unique_ptr<ServerQuery> query;                  // awaiting its answer, or null
+    PulseTimer quiet;                                    // runs kQuietTime after each event
+    PulseTimer interval;                                 // runs kCheckInterval after each check
 };
 
 } // namespace qn

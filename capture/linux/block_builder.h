@@ -13,16 +13,16 @@ using BlockReceiver = std::function<void(const AudioBlock&)>;
 // timestamps. One thread only.
 class BlockBuilder {
 public:
-    // `emptyBlock` has what all of the stream's blocks share.
+    // `emptyBlock` gives all of the stream's blocks their format and source key.
     BlockBuilder(AudioBlock emptyBlock, BlockReceiver whenReady);
 
-    // Frames per block: 1024 at 48 kHz, which is also the usual graph cycle of PipeWire.
+    // Frames per block: 1024 at 48 kHz, PipeWire's usual cycle.
     static qint64 framesPerBlock(qint32 sampleRate) { return qint64(sampleRate) * 1024 / 48000; }
 
-    // One packet of interleaved samples, or silence where `samples` is null.
+    // Adds a packet of interleaved samples, or of silence if `samples` is null.
     void add(const float* samples, qint64 frames, qint64 arrivalNs);
 
-    // Hands out what is held back, when no packet will follow.
+    // Hands out the samples still held back, at the end of the stream.
     void flush();
 
 private:

@@ -6,14 +6,14 @@
 
 namespace qn {
 
-// The channels to ask the server for, so that frames come in the order of the WAVE speaker mask.
+// A channel map to request from the server, so that its frames follow the WAVE speaker order.
 struct ChannelOrder {
     pa_channel_map map{};
-    // One bit per channel, ascending; 0 when a position has no bit or occurs twice.
+    // One bit per channel, ascending; 0 if a position has no WAVE bit or occurs twice.
     quint64 mask = 0;
 };
 
-// The same positions in ascending mask order; a map without a mask stays as it is.
+// `map` with its positions in ascending mask order, or unchanged where the mask is 0.
 ChannelOrder waveOrder(const pa_channel_map& map);
 
 } // namespace qn

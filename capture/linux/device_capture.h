@@ -7,24 +7,24 @@
 
 namespace qn {
 
-// Records one device of the server's, a microphone or a sink's monitor, until it breaks. Used
-// under the connection's lock.
+// Records one device of the server, a microphone or a sink's monitor, until the recording breaks.
+// Used under the connection's lock.
 class DeviceCapture {
 public:
-    // `whenBroken` comes on the library's thread.
+    // `whenBroken` is called on the client library's thread.
     DeviceCapture(PulseConnection& server, const DeviceFacts& device, BlockReceiver receiver,
                   std::function<void()> whenBroken);
 
-    // Waits for the server; false when it refuses or does not answer in time.
+    // Waits until the recording runs; false if the server refuses or does not answer in time.
     bool waitUntilRunning(PulseConnection::Clock::time_point deadline);
 
     bool hasLostServer() const { return stream.hasLostServer(); }
 
-    // Whether that list holds another device under the same name: PipeWire's newer servers let a
-    // stream live on without data when its device comes back.
+    // Whether the list holds another device of the same name. After a device has gone and come
+    // back, newer PipeWire servers keep the old stream open but deliver nothing.
     bool isReplaced(const QList<DeviceFacts>& devices) const;
 
-    // Hands out what is held back, when no more is wanted.
+    // Hands out the samples still held back, at the end.
     void flush() { stream.flush(); }
 
 private:

@@ -43,7 +43,7 @@ private:
     void fail(QStringView message);
 
     std::shared_ptr<PulseConnection> connection = PulseConnection::ofThisThread();
-    // The one that captures, if any. Used under the connection's lock.
+    // At most one of the two exists. Used under the connection's lock.
     std::unique_ptr<DeviceCapture> device;
     std::unique_ptr<ApplicationCapture> application; // until the connection is lost
     bool isCapturing = false;                        // from a successful start to stop or failure
@@ -67,7 +67,7 @@ bool LinuxBackend::start(const Selection& selection, const QString& sourceId, QS
     return isCapturing;
 }
 
-// Returns a message when it fails.
+// Returns a message for the user, empty on success.
 QString LinuxBackend::open(const Selection& selection, const QString& sourceId) {
     const auto deadline = connection->openDeadline();
     if (!connection->refresh(deadline)) {

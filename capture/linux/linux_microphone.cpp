@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The sound server's sources. The server converts what they deliver, and one that goes breaks
-// instead of being replaced by another.
+// Records the sound server's sources directly rather than through Qt: the server converts the
+// samples, and a source that disappears ends the capture instead of being replaced by another.
 class LinuxMicrophone final : public MicrophoneBackend {
 public:
     ~LinuxMicrophone() override { release(); }
@@ -71,7 +71,7 @@ bool LinuxMicrophone::open(const QString& name) {
 void LinuxMicrophone::stop() {
     const PulseConnection::Lock lock(*connection);
     isCapturing = false;
-    const auto closing = std::move(device); // a receiver may stop again
+    const auto closing = std::move(device); // flush may call a receiver that calls stop again
     if (closing)
         closing->flush();
 }

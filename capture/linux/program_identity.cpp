@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Many programs run under one of these.
+// Interpreters run many programs, so the binary alone does not identify one.
 bool isInterpreter(const QString& binary) {
     const QLatin1StringView prefixes[] = {"python"_L1, "perl"_L1, "ruby"_L1,    "java"_L1,
                                           "node"_L1,   "wine"_L1, "electron"_L1};
@@ -17,7 +17,7 @@ bool isInterpreter(const QString& binary) {
                        [&](auto prefix) { return binary.startsWith(prefix); });
 }
 
-// Names that a sound library or an embedded browser gives instead of the program.
+// Names that a sound library or an embedded browser announces in place of the program's own.
 bool isLibraryName(const ProgramFacts& program) {
     return program.name.startsWith("QtPulseAudio:"_L1) ||
            program.name.startsWith("ALSA plug-in ["_L1) ||

@@ -30,7 +30,7 @@ bool contains(const QList<SourceEntry>& entries, const QString& id) {
                        [&](const SourceEntry& entry) { return entry.id == id; });
 }
 
-// The program's id, or empty for this process and for what is no program.
+// The program's id; empty for this process and for an unknown program.
 QString applicationOf(const ProgramFacts& program, const QString& ownProcessId) {
     return program.processId == ownProcessId ? QString() : programId(program);
 }

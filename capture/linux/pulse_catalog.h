@@ -6,15 +6,17 @@
 
 namespace qn {
 
-// What the user can choose from: every sink, and every program that plays a stream once, without
-// the process `ownProcessId`. Names become one line; entries with an unusable id are left out.
+// What the user can choose from: every sink, and once each every program that plays a stream,
+// except the process `ownProcessId`. Names are made one line; entries with an unusable id are left
+// out.
 Catalog catalogOf(const ServerSnapshot& snapshot, const QString& ownProcessId);
 
-// Every source that is no monitor. A monitor is one only when the user made it the default: a
-// server without a microphone falls back to the default sink's by itself.
+// Every source that is not a monitor, and the monitor that the user has made the default. The
+// default sink's monitor does not count while there is no microphone: the server then makes it the
+// default by itself.
 MicrophoneList microphonesOf(const ServerSnapshot& snapshot);
 
-// The streams that belong to the catalogue's entry `applicationId`.
+// The streams of the catalogue's application `applicationId`.
 QList<InputFacts> inputsOf(const ServerSnapshot& snapshot, const QString& applicationId,
                            const QString& ownProcessId);
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr auto kAnswerPatience = 350ms;
 constexpr auto kOpenPatience = 600ms;
-constexpr auto kNoPatience = 50ms; // with a server that has just failed to answer
+constexpr auto kNoPatience = 50ms; // for a server that left the last refresh unanswered
 
 } // namespace
 

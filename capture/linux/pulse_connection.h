@@ -12,9 +12,9 @@
 
 namespace qn {
 
-// The connection to the sound server, made on first use and again after it broke. The owner's
+// The connection to the sound server, opened on first use and reopened after it broke. The owner's
 // thread calls it while holding a Lock; callbacks come on the client library's own thread, under
-// the same lock. No wait is longer than its deadline, whatever the server does.
+// the same lock. No wait exceeds its deadline, whatever the server does.
 class PulseConnection {
 public:
     using Clock = std::chrono::steady_clock;
@@ -30,10 +30,10 @@ public:
         pa_threaded_mainloop* loop;
     };
 
-    // While it lives, its functions are called on the client library's thread.
+    // Calls its two functions on the client library's thread, as long as it exists.
     class Watch {
     public:
-        // `lost`: a ready connection is gone. `refreshed`: the snapshot is new.
+        // `lost` is called when a ready connection breaks, `refreshed` when the snapshot is new.
         Watch(PulseConnection& watched, std::function<void()> lost,
               std::function<void()> refreshed);
         Watch(const Watch&) = delete;
@@ -47,7 +47,7 @@ public:
         std::function<void()> refreshed;
     };
 
-    // Shared by all that capture on the calling thread, so that they have one client thread.
+    // The one connection, with one client thread, that everything on the calling thread shares.
     static std::shared_ptr<PulseConnection> ofThisThread();
 
     PulseConnection();
@@ -55,30 +55,30 @@ public:
     PulseConnection& operator=(const PulseConnection&) = delete;
     ~PulseConnection();
 
-    // How long to wait for the server to answer, and for a stream to open with all it takes. The
-    // recorder looks at the far side and at the microphone in a row, and has to react to its user
-    // within 2 s.
+    // Deadlines, from now, for an answer and for opening a stream, its queries included. The
+    // recorder looks after far side and microphone in turn and must react to its user within 2 s.
     Clock::time_point answerDeadline() const;
     Clock::time_point openDeadline() const;
 
-    // Brings the snapshot up to date; false when the server did not answer in time.
+    // Brings the snapshot up to date; false if the server does not answer in time.
     bool refresh(Clock::time_point deadline);
 
-    // What the server answered last; empty without a connection.
+    // The server's last answer; empty without a connection.
     const ServerSnapshot& snapshot() const { return known; }
 
-    // Whether a refresh went unanswered and none was answered since: it is unlikely to answer now.
+    // Whether the last refresh went unanswered although the connection had not failed.
     bool unresponsive() const { return isUnresponsive; }
 
-    // Null while there is no ready connection.
+    // Null if the connection is not ready.
     pa_context* readyContext() const;
 
     pa_mainloop_api* loopApi() const { return pa_threaded_mainloop_get_api(loop.get()); }
 
-    // Waits until `condition`, tested under the lock, holds after a wake(); false at the deadline.
+    // Waits until `condition` holds, tested under the lock and after every wake(); false at the
+    // deadline.
     bool waitFor(const std::function<bool()>& condition, Clock::time_point deadline);
 
-    // Makes waitFor test its condition again; on the library's thread only.
+    // Makes waitFor test its condition again. Only for the client library's thread.
     void wake() { pa_threaded_mainloop_signal(loop.get(), 0); }
 
 private:
@@ -90,10 +90,10 @@ private:
     std::list<Watch*> watches;
     PulseHandle<pa_threaded_mainloop> loop;
     std::unique_ptr<PulseContext> context;
-    std::unique_ptr<ServerQuery> query; // unanswered
+    std::unique_ptr<ServerQuery> query; // awaiting its answer, or null
     ServerSnapshot known;
     bool isFresh = false;  // the last query was answered
-    bool wasReady = false; // the context, before it fails
+    bool wasReady = false; // the context has been ready and its loss not yet reported
     bool isUnresponsive = false;
 };
 

@@ -6,11 +6,11 @@
 
 namespace qn {
 
-// One attempt to connect to the sound server and the connection that comes of it; what has failed
-// stays failed. Used under the main loop's lock.
+// One attempt to connect to the sound server, and the connection it leads to. It never reconnects.
+// Used under the main loop's lock.
 class PulseContext {
 public:
-    // `stateChanged` comes on the main loop's thread, never from within a call here.
+    // `stateChanged` is called on the main loop's thread, never from within a call to this class.
     PulseContext(pa_mainloop_api* loop, std::function<void()> stateChanged);
     PulseContext(const PulseContext&) = delete;
     PulseContext& operator=(const PulseContext&) = delete;

@@ -6,8 +6,8 @@
 
 namespace qn {
 
-// Owners of the sound server's client objects. All but the main loop and property lists are to be
-// destroyed with the main loop's lock held, or on its thread.
+// Owners of the client library's objects. All but the main loop and property lists must be
+// destroyed with the main loop's lock held or on its thread.
 
 struct PulseRelease {
     void operator()(pa_threaded_mainloop* loop) const { pa_threaded_mainloop_free(loop); }

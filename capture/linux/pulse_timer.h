@@ -18,7 +18,7 @@ public:
     PulseTimer& operator=(const PulseTimer&) = delete;
     ~PulseTimer() { loop->time_free(event); }
 
-    // Replaces the moment set before.
+    // Starts the timer, or restarts it if it is running.
     void start(std::chrono::microseconds delay);
 
 private:

@@ -9,7 +9,8 @@ namespace qn {
 
 namespace {
 
-// Below 12 kHz the mixer's resampler delivers in bursts that are longer than a block may be off.
+// Below 12 kHz the mixer's resampler delivers in bursts longer than the jitter that the mixer
+// tolerates, 20 ms.
 constexpr quint32 kLowestStreamRate = 16000;
 
 pa_sample_spec floatSpec(const DeviceFacts& device) {
@@ -62,7 +63,7 @@ void RecordStream::connect() {
     const qint64 frames = BlockBuilder::framesPerBlock(static_cast<qint32>(spec.rate));
     const pa_buffer_attr attributes{kDefault, kDefault, kDefault, kDefault,
                                     static_cast<quint32>(frames * qint64(pa_frame_size(&spec)))};
-    // DONT_MOVE: else the server goes on with some other source, a microphone even.
+    // Without DONT_MOVE the server would carry on with another source, even a microphone.
     constexpr auto kFlags =
         static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
     if (pa_stream_connect_record(stream.get(), target.device.source.constData(), &attributes,
@@ -98,7 +99,8 @@ void RecordStream::read() {
     const size_t frameBytes = pa_frame_size(pa_stream_get_sample_spec(stream.get()));
     while (pa_stream_peek(stream.get(), &data, &bytes) == 0 && bytes > 0) {
         const auto frames = static_cast<qint64>(bytes / frameBytes);
-        builder.add(static_cast<const float*>(data), frames, steadyNowNs()); // a hole has no data
+        // `data` is null for a hole in the stream, which counts as silence.
+        builder.add(static_cast<const float*>(data), frames, steadyNowNs());
         pa_stream_drop(stream.get());
     }
 }

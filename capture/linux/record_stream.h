@@ -11,16 +11,16 @@ namespace qn {
 
 struct RecordTarget {
     DeviceFacts device;
-    quint32 input; // only this stream of those that the sink plays, or PA_INVALID_INDEX
+    quint32 input; // the only stream of the sink to record; PA_INVALID_INDEX for all
     QString sourceKey;
 };
 
-// One recording of a microphone, or of what a sink, or one stream on it, plays. It never moves to
-// another source: it breaks instead, for good. It has a connection of its own, because PipeWire's
-// server delivers only the first of a client's recordings in time. Used under the main loop's lock.
+// One recording of a microphone, of a sink or of one stream on a sink. It never moves to another
+// source but breaks, for good. It has a connection of its own, because PipeWire delivers only the
+// first of a client's recordings in time. Used under the main loop's lock.
 class RecordStream {
 public:
-    // Both come on the main loop's thread, never from within a call here.
+    // Called on the main loop's thread, never from within a call to this class.
     struct Callbacks {
         BlockReceiver block;
         std::function<void()> stateChanged;
@@ -35,7 +35,7 @@ public:
     bool isBroken() const { return broken || context.isFailed(); }
     bool hasLostServer() const { return context.isFailed(); }
 
-    // Hands out all that has come so far, when no more is wanted.
+    // Hands out all samples that have arrived, at the end.
     void flush();
 
 private:
@@ -50,7 +50,7 @@ private:
     BlockBuilder builder;
     std::function<void()> changed;
     PulseContext context;
-    PulseHandle<pa_stream> stream; // once the context is ready, until it breaks
+    PulseHandle<pa_stream> stream; // null until the context is ready and after a break
     bool broken = false;
 };
 

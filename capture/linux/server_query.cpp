@@ -6,7 +6,7 @@ namespace qn {
 
 namespace {
 
-// Only what can be recorded; what a server says of a device is not taken on trust.
+// Leaves out a device that can't be recorded: what the server reports may be invalid.
 template <typename Info>
 void addDevice(QList<DeviceFacts>& devices, const Info& info, const char* source, bool isMonitor) {
     if (pa_sample_spec_valid(&info.sample_spec) != 0 &&

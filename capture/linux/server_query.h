@@ -13,7 +13,7 @@ namespace qn {
 // (which cancels it) and finished under the main loop's lock.
 class ServerQuery {
 public:
-    // Called once, with nothing when the server refused or was lost; may destroy the query.
+    // Called once, without a snapshot if the server refused or was lost; may destroy the query.
     using Done = std::function<void(std::optional<ServerSnapshot>)>;
 
     ServerQuery(pa_context* context, Done whenDone);

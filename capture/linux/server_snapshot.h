@@ -11,7 +11,7 @@
 
 namespace qn {
 
-// What clients and streams announce about their program; any of it may be missing or untrue.
+// What a client or stream announces about its program; any of it may be missing or false.
 struct ProgramFacts {
     QString portalId; // of a sandboxed program
     QString binary;
@@ -24,10 +24,10 @@ ProgramFacts programFacts(const pa_proplist* properties);
 
 // A sink or a source that can be recorded: its spec is valid and fits its map.
 struct DeviceFacts {
-    quint32 index = 0; // changes whenever the device comes back
-    QString name;      // stable
+    quint32 index = 0; // new whenever the device comes back
+    QString name;      // stays the same
     QString description;
-    QByteArray source; // to record from: a sink's monitor, or the source itself
+    QByteArray source; // what to record: a sink's monitor or the source itself
     pa_sample_spec spec{};
     pa_channel_map map{};
     bool isMonitor = false; // a source that repeats what a sink plays
@@ -37,7 +37,7 @@ struct DeviceFacts {
 struct InputFacts {
     quint32 index = 0;
     quint32 sink = 0;   // PA_INVALID_INDEX while it moves
-    quint32 client = 0; // PA_INVALID_INDEX for the server's own
+    quint32 client = 0; // PA_INVALID_INDEX for a stream of the server itself
     ProgramFacts program;
 };
 

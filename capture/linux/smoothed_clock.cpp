@@ -8,17 +8,17 @@ namespace {
 
 constexpr qint64 kMillisecond = 1'000'000;
 
-// Long enough to see past a late packet, short against the recorder's delay of 250 ms.
+// Long enough that a late packet does not matter, and well within the recorder's delay of 250 ms.
 constexpr qint64 kSettlingNs = 120 * kMillisecond;
 
-// Until then the server may still be linking the stream.
+// The server may still be linking the stream for this long.
 constexpr qint64 kStartUpNs = 40 * kMillisecond;
 
-// A packet later than this would miss the recording anyway.
+// The recorder's delay: a packet later than this would miss the recording anyway.
 constexpr qint64 kLostNs = 250 * kMillisecond;
 
-// How often the times follow a device that is slower than the steady clock, or has lost a cycle;
-// longer than a stall, so that a stall does not count.
+// How often the times are corrected for a device that runs slow or has lost a cycle. Longer than a
+// stall, so that a stall moves nothing.
 constexpr qint64 kPeriodNs = 500 * kMillisecond;
 
 } // namespace

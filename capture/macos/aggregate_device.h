@@ -8,8 +8,8 @@ namespace qn {
 
 using OwnedAggregate = OwnedObject<AudioHardwareDestroyAggregateDevice>;
 
-// A private device, under a UID never used before, that consists of the tap alone with drift
-// compensation on: no sub-device and no main device. Autoreleased.
+// A private device with a new UID that holds only the tap, with drift compensation: no sub-device
+// and no main device. Autoreleased.
 NSDictionary* describeAggregateDevice(CFStringRef tapUid);
 
 } // namespace qn

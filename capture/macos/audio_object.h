@@ -12,7 +12,7 @@
 
 namespace qn {
 
-// "quorlin.coreaudio": how long each call took that opens or closes something, and its status.
+// "quorlin.coreaudio": duration and status of each call that opens or closes something.
 Q_DECLARE_LOGGING_CATEGORY(coreAudioLog)
 
 template <typename... Args>
@@ -26,7 +26,7 @@ OSStatus logged(const char* name, OSStatus (*function)(Args...),
     return status;
 }
 
-// Owns a string that the platform handed out; may hold none.
+// Owns a string from the platform, or none.
 class OwnedString {
 public:
     explicit OwnedString(CFStringRef string) : string(string) {}
@@ -42,7 +42,7 @@ private:
     CFStringRef string;
 };
 
-// Owns a platform object that `Destroy` ends; kAudioObjectUnknown is none.
+// Owns a platform object and destroys it with `Destroy`; kAudioObjectUnknown stands for none.
 template <auto Destroy> class OwnedObject {
 public:
     OwnedObject() = default;
@@ -51,7 +51,7 @@ public:
 
     AudioObjectID get() const { return object; }
 
-    // Where the platform writes the id of the object it creates for us.
+    // Where the platform writes the id of the object that it creates; destroys the one held before.
     AudioObjectID* receive() {
         destroy();
         return &object;
@@ -62,21 +62,22 @@ public:
             logged("destroying", Destroy, std::exchange(object, kAudioObjectUnknown));
     }
 
-    // Leaves the object to the platform.
+    // Gives up ownership; the object stays with the platform.
     void abandon() { object = kAudioObjectUnknown; }
 
 private:
     AudioObjectID object = kAudioObjectUnknown;
 };
 
-// Reads one fixed-size property of the main element into `value`; false when it is not available.
+// Reads a property of `size` bytes of the main element in the global scope into `value`; false if
+// it is not available.
 bool readProperty(AudioObjectID object, AudioObjectPropertySelector selector, void* value,
                   UInt32 size);
 
-// A string property in the global scope; holds none when it is not available.
+// A string property in the global scope; none if it is not available.
 OwnedString readString(AudioObjectID object, AudioObjectPropertySelector selector);
 
-// An array property; empty when it is not available.
+// A property that lists objects; empty if it is not available.
 QList<AudioObjectID> objectList(AudioObjectID object, AudioObjectPropertySelector selector,
                                 AudioObjectPropertyScope scope);
 

@@ -4,8 +4,8 @@
 
 namespace qn {
 
-// Whether a process belongs to the application: it has its bundle identifier or, as helper
-// processes do, that with a dot and more behind it.
+// Whether the process has the application's bundle identifier, or one that extends it after a dot,
+// as helper processes do.
 bool belongsToApplication(const QString& processBundleId, const QString& applicationId);
 
 } // namespace qn

@@ -10,16 +10,16 @@
 
 namespace qn {
 
-// What the platform's real-time thread works with. Neither locks: a cut receiver gets no block once
-// `busy` is false.
+// Shared with the platform's real-time thread without a lock: once `receiver` is null and `busy` is
+// false, no more blocks are emitted.
 struct IoClient {
     AudioStreamBasicDescription format = {};
     std::atomic<CaptureBackend*> receiver;
     std::atomic<bool> busy = false;
 };
 
-// Owns the IO procedure that hands what a device captures to a backend's `block`: stopped and
-// removed with its owner, before the device goes.
+// Owns the IO procedure that emits what a device captures through a backend's `block`. To be
+// destroyed before the device.
 class OwnedIoProcedure {
 public:
     OwnedIoProcedure() = default;
@@ -30,8 +30,8 @@ public:
                     CaptureBackend& receiver);
     OSStatus start();
 
-    // No block is emitted after this returns. False when the platform did not stop and remove the
-    // procedure: it may run on, so what it uses stays, and the device must stay too.
+    // No block is emitted after this returns. False if the platform did not stop and remove the
+    // procedure: it may still run, so its data is never freed and the device must stay too.
     bool destroy();
 
 private:
@@ -41,9 +41,9 @@ private:
     std::unique_ptr<IoClient> client;
 };
 
-// One IO cycle as a block, stamped with the device's own time when it has one and else as having
-// ended just now; none when the buffers can't be used. For the real-time thread: waits for nothing
-// and allocates nothing but the block's samples.
+// One IO cycle as a block, with the device's own timestamp if there is one, otherwise as ending
+// now; none if the buffers can't be used. For the real-time thread: it never waits and allocates
+// only the block's samples.
 std::optional<AudioBlock> captureBlock(const AudioStreamBasicDescription& format,
                                        const AudioBufferList* input,
                                        const AudioTimeStamp* inputTime);

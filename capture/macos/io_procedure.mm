@@ -15,8 +15,8 @@ namespace {
 
 using BufferArray = std::array<PcmBuffer, kMaxChannels>;
 
-// The buffers that have channels. The array holds enough of them: each fills at least one of the
-// stream's channels.
+// The buffers that have channels. The array is large enough, because each of them fills at least
+// one of the stream's at most kMaxChannels channels.
 std::span<const PcmBuffer> filledBuffers(const AudioBufferList& list, BufferArray& storage) {
     size_t count = 0;
     for (const AudioBuffer& buffer : std::span(list.mBuffers, list.mNumberBuffers)) {
@@ -28,7 +28,7 @@ std::span<const PcmBuffer> filledBuffers(const AudioBufferList& list, BufferArra
     return std::span(storage).first(count);
 }
 
-// The whole frames per second of a stream; 0 for what no integer holds (NaN, infinity, overflow).
+// The rate as an integer; 0 if it does not fit into one (NaN, infinity, overflow).
 qint32 wholeRate(double sampleRate) {
     using Limits = std::numeric_limits<qint32>;
     const bool fits = sampleRate > Limits::min() - 1.0 && sampleRate < Limits::max() + 1.0;
@@ -38,12 +38,12 @@ qint32 wholeRate(double sampleRate) {
 qint64 hostToSteady(UInt64 hostTime) {
     const UInt64 hostNs = AudioConvertHostTimeToNanos(hostTime);
     const UInt64 hostNowNs = AudioConvertHostTimeToNanos(AudioGetCurrentHostTime());
-    // Unsigned, because a device may stamp its buffers with anything.
+    // Unsigned, so that nonsense from a device wraps around instead of overflowing.
     const UInt64 steadyNs = static_cast<UInt64>(steadyNowNs()) - hostNowNs + hostNs;
     return static_cast<qint64>(steadyNs);
 }
 
-// None when the device gives no time and the rate can't tell how long the block is.
+// None if the device gives no time and the block's length is unknown because the rate is.
 std::optional<qint64> firstFrameTime(const AudioTimeStamp* inputTime, qint64 frames, qint32 rate) {
     if (inputTime != nullptr && (inputTime->mFlags & kAudioTimeStampHostTimeValid) != 0)
         return hostToSteady(inputTime->mHostTime);
@@ -52,11 +52,11 @@ std::optional<qint64> firstFrameTime(const AudioTimeStamp* inputTime, qint64 fra
     return steadyNowNs() - durationNs(frames, rate);
 }
 
-// A callback takes less than a cycle, some milliseconds.
+// Far more than a callback takes: it ends within a cycle of some milliseconds.
 constexpr int kLongestCallbackMs = 1000;
 
-// Runs on the platform's real-time thread. It may not wait, lock, touch a file or call Objective-C.
-// Receivers of `block` are queued on other threads.
+// Runs on the platform's real-time thread: it must not wait, lock, touch a file or call
+// Objective-C. The receivers of `block` run on other threads, by queued connections.
 OSStatus ioProc(AudioObjectID, const AudioTimeStamp*, const AudioBufferList* input,
                 const AudioTimeStamp* inputTime, AudioBufferList*, const AudioTimeStamp*,
                 void* clientData) noexcept {
@@ -102,7 +102,7 @@ bool OwnedIoProcedure::destroy() {
     client->receiver = nullptr;
     for (const QDeadlineTimer patience(kLongestCallbackMs); client->busy && !patience.hasExpired();)
         QThread::msleep(1);
-    static_cast<void>(client.release()); // the procedure's, if it still runs
+    static_cast<void>(client.release()); // never freed, as the procedure may still use it
     return false;
 }
 

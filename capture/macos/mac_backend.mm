@@ -30,9 +30,9 @@ bool isSameFormat(const AudioStreamBasicDescription& a, const AudioStreamBasicDe
            a.mBitsPerChannel == b.mBitsPerChannel;
 }
 
-// Captures by a process tap, wrapped in a private aggregate device on which an IO procedure runs.
-// The three live from start to stop; the permission to record system audio is asked for by the
-// platform when the tap is created.
+// Captures with a process tap inside a private aggregate device, on which an IO procedure runs. The
+// three exist from start to stop. The platform asks for permission to record system audio when the
+// tap is created.
 class MacBackend : public CaptureBackend {
 public:
     MacBackend();
@@ -44,7 +44,7 @@ public:
     void stop() override;
 
 private:
-    // The steps of start. On false `error` is set and stop has to clear up.
+    // The steps of start. If one returns false, `error` is set and stop must clean up.
     bool open(QString& error);
     bool openTap(QString& error);
     bool openAggregateDevice(QString& error);
@@ -57,14 +57,14 @@ private:
     SourceKind kind = SourceKind::System; // of the last start, like selectionId
     QString selectionId;
     QString sourceId;              // captured now: device UID or bundle identifier
-    QSet<AudioObjectID> processes; // application only: those in the tap
+    QSet<AudioObjectID> processes; // those in the tap, when an application is captured
     QTimer watchTimer{this};
     OwnedTap tapId;
     OwnedAggregate aggregateId;
     OwnedIoProcedure ioProcId;
-    AudioStreamBasicDescription tapFormat = {};  // the blocks'
-    AudioStreamBasicDescription lastFormat = {}; // as the running tap reported it
-    int rebuildsLeft = 0;                        // for the sake of lastFormat
+    AudioStreamBasicDescription tapFormat = {};  // of the blocks, as reported when the tap opened
+    AudioStreamBasicDescription lastFormat = {}; // as the tap reported it last
+    int rebuildsLeft = 0;                        // allowed until lastFormat changes
 };
 
 MacBackend::MacBackend() {
@@ -174,7 +174,7 @@ QSet<AudioObjectID> MacBackend::processObjects() const {
     return objects;
 }
 
-// All zero when it can't be read.
+// If it returns false, `format` is all zero.
 bool MacBackend::readTapFormat(AudioStreamBasicDescription& format) const {
     format = {};
     const bool available =
@@ -184,9 +184,9 @@ bool MacBackend::readTapFormat(AudioStreamBasicDescription& format) const {
     return available;
 }
 
-// Helper processes come and go (a browser's tabs, a call's audio process), and a device changes its
-// format while it plays (a headset's call mode): the tap is rebuilt around what is there now. A new
-// tap may still have the old format, or for ever another one than it reports while it runs.
+// Rebuilds the tap when helper processes come or go (a browser's tabs, a call's audio process) or
+// the device changes its format (a headset's call mode). A new tap may at first have the old
+// format, or always report another one once it runs, so the rebuilds for one format are limited.
 void MacBackend::followChanges() {
     @autoreleasepool {
         AudioStreamBasicDescription format;
@@ -199,7 +199,7 @@ void MacBackend::followChanges() {
             return;
         rebuildsLeft -= formatChanged ? 1 : 0;
         const Selection selection = {kind, selectionId};
-        const QString source = sourceId; // stop clears the member
+        const QString source = sourceId; // a copy, because stop clears the member
         QString error;
         if (!start(selection, source, error))
             Q_EMIT failed(error);

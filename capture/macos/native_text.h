@@ -6,7 +6,8 @@
 
 namespace qn {
 
-// Both by UTF-16, so that any text survives. The NSString is autoreleased; nil is a null QString.
+// Both copy UTF-16 units, so that no text is changed. The NSString is autoreleased; nil becomes a
+// null QString.
 NSString* toNative(const QString& text);
 QString fromNative(NSString* text);
 

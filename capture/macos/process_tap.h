@@ -11,12 +11,12 @@ namespace qn {
 
 using OwnedTap = OwnedObject<AudioHardwareDestroyProcessTap>;
 
-// Private taps named after the program that leave what they capture audible. Autoreleased.
+// Both describe private taps, named "Quorlin", whose sound stays audible. Autoreleased.
 
 // Everything that every process plays on the device's first output stream.
 CATapDescription* describeDeviceTap(const QString& deviceUid);
 
-// A stereo mix of the processes; with none it captures nothing.
+// A stereo mix of the processes; silent without any.
 CATapDescription* describeProcessTap(const QSet<AudioObjectID>& processes);
 
 } // namespace qn

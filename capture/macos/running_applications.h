@@ -4,7 +4,7 @@
 
 namespace qn {
 
-// Every running application with a Dock icon but this one, in the platform's order.
+// Every running application with a Dock icon, except this one, in the platform's order.
 QList<SourceEntry> listRunningApplications();
 
 } // namespace qn

@@ -7,16 +7,16 @@ namespace qn {
 
 namespace {
 
-// No device delivers that many samples in one cycle: a larger size is garbage, and making room for
-// it would end the program.
+// No device delivers this many samples in one cycle: a larger size is garbage, and allocating it
+// would end the program.
 constexpr qint64 kMaxSamples = qint64(1) << 24;
 
-// Where a buffer's channels go.
+// Where the channels of one buffer go.
 struct Destination {
-    float* samples;      // of the first frame's first channel
+    float* samples;      // the first frame's first channel
     qint64 frames;       // to write
-    qint64 channels;     // per frame
-    qint64 firstChannel; // of this buffer
+    qint64 channels;     // per frame of the destination
+    qint64 firstChannel; // that the buffer fills
 };
 
 float toFloat(float sample) {

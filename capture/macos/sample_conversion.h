@@ -6,7 +6,7 @@
 
 namespace qn {
 
-// Linear PCM in native byte order, as far as the conversion needs it.
+// Linear PCM in native byte order.
 struct PcmFormat {
     quint32 bitsPerChannel = 0;
     bool isFloat = false;
@@ -15,18 +15,18 @@ struct PcmFormat {
 
 // One buffer of a capture cycle: interleaved frames of its own channels.
 struct PcmBuffer {
-    quint32 channels = 0; // at least 1 in what the functions below get
+    quint32 channels = 0; // the functions below need at least 1
     quint32 byteSize = 0;
-    const void* data = nullptr; // null is silence
+    const void* data = nullptr; // null for silence
 };
 
-// Frames of a cycle, by its first buffer; 0 when there are none to convert.
+// Frames in a cycle, from the size of its first buffer; 0 if there is nothing to convert.
 qint64 frameCount(std::span<const PcmBuffer> buffers, const PcmFormat& format);
 
 // The cycle as interleaved floats of full scale +-1.0, `format.channels` values per frame. The
-// buffers' channels go side by side, so interleaved and non-interleaved streams are one case.
-// What the buffers do not hold, and every unknown sample format, is silence. Reads 32- and 64-bit
-// floats and signed 16- and 32-bit integers, from any alignment.
+// channels of all buffers are placed side by side, which covers interleaved and non-interleaved
+// streams alike. Reads 32- and 64-bit floats and signed 16- and 32-bit integers, from any
+// alignment; other formats and missing samples become silence.
 QList<float> interleave(std::span<const PcmBuffer> buffers, const PcmFormat& format, qint64 frames);
 
 } // namespace qn
