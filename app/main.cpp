@@ -101,9 +101,8 @@ int runWindow(const QString& dataDirectory, bool smokeTest) {
         return QApplication::exec();
     } catch (const std::exception& exception) {
         const QString text = QString::fromUtf8(exception.what());
-        QString note = u"Файл библиотеки: "_s + QDir(dataDirectory).filePath(u"library.sqlite3"_s);
-        if (const QString reason = qn::plainReason(text); !reason.isEmpty())
-            note += u" — "_s + reason;
+        const QString note = u"Файл библиотеки: %1 — %2"_s.arg(
+            QDir(dataDirectory).filePath(u"library.sqlite3"_s), qn::plainReason(text));
         qn::showBox(nullptr, QMessageBox::Critical, u"Quorlin"_s, text, QMessageBox::Ok,
                     {.informative = note, .detailed = {}});
         return 1;

@@ -49,6 +49,7 @@ constexpr QSize kInitialSize(1140, 850);
 constexpr QSize kSmallestSize(840, 680);
 constexpr QMargins kMargins(22, 18, 22, 18);
 constexpr int kDetailsHeight = 110; // px
+constexpr int kButtonHeight = 28;   // px
 constexpr auto kCatalogInterval = 3000ms;
 constexpr float kPlaybackVolume = 0.8F;
 
@@ -106,7 +107,7 @@ bool Window::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest)
         setMinimumSize(
             minimumSizeHint().boundedTo(screen()->availableSize()).expandedTo(kSmallestSize));
-    if (event->type() == QEvent::PaletteChange && recordingPanel)
+    if (event->type() == QEvent::PaletteChange)
         recolour();
     return handled;
 }
@@ -116,7 +117,6 @@ void Window::recolour() {
         if (!label->styleSheet().isEmpty())
             label->setStyleSheet(label->styleSheet()); // which keeps the colours of its first day
     }
-    recordingPanel->showState(state);
 }
 
 void Window::buildUi() {
@@ -156,7 +156,7 @@ void Window::buildUi() {
 QWidget* Window::buildHeader() {
     auto* name = new QLabel(u"Quorlin"_s);
     name->setStyleSheet(u"font-size:25px;font-weight:650"_s);
-    auto* settingsButton = new QPushButton(u"Настройки"_s);
+    auto* settingsButton = tallButton(u"Настройки"_s, kButtonHeight);
     connect(settingsButton, &QPushButton::clicked, this, [this] {
         settingsDialog->show();
         settingsDialog->raise();
@@ -218,6 +218,8 @@ void Window::bindShortcuts() {
     bindShortcut(this, {u"Ctrl+Left"_s}, playbackPanel->backButton)->setAutoRepeat(true);
     bindShortcut(this, {u"Ctrl+Right"_s}, playbackPanel->forwardButton)->setAutoRepeat(true);
     bindShortcut(this, findKeys(), [this] { filterBar->focusSearch(); });
+    actionBar->removeButton->setToolTip(keyText(deleteKeys().first()));
+    playbackPanel->pauseButton->setToolTip(keyText(Qt::Key_Space));
     bindLocalShortcut(table, deleteKeys(), [this] { deleteSelected(); });
     bindLocalShortcut(table, {Qt::Key_Space}, [this] { togglePlayback(); });
     bindLocalShortcut(table, {Qt::Key_Return, Qt::Key_Enter}, [this] { playSelected(); });

@@ -92,7 +92,7 @@ private:
     void invokeWorker(void (RecorderWorker::*slot)());
     void recordingBegan(const QDateTime& startedUtc);
     void recordingProgress(qint64 durationMs);
-    void showFailure(const QString& error, const QString& path);
+    void showFailure(const QString& error, const QString& path, bool hadBegun);
     void sourceChanged(const QString& description, const QJsonObject& details);
 
     // Throws what the library throws: one that can't be read at all ends the start.
@@ -159,7 +159,10 @@ private:
     QTextEdit* details = nullptr;
     QLabel* freeSpace = nullptr; // in the status bar, while recording
     QString shownDetails;
-    QString farSideCaption; // the last source that was opened
+    struct {
+        QString caption; // the last words about it, while the microphone's may stand in their place
+        bool isWarning = false;
+    } farSide;
 };
 
 } // namespace qn

@@ -76,7 +76,7 @@ class WindowTest : public QObject {
         sql(u"CREATE TRIGGER no BEFORE UPDATE ON recordings BEGIN SELECT "
             "RAISE(ABORT,'refused'); END"_s);
         answers = {[](QDialog* dialog) {
-            QVERIFY(qobject_cast<QMessageBox*>(dialog)->text().contains(u"refused"_s));
+            QVERIFY(qobject_cast<QMessageBox*>(dialog)->detailedText().contains(u"refused"_s));
             dialog->accept();
         }};
         QTRY_COMPARE(answers.size(), 0);

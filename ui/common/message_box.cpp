@@ -1,5 +1,6 @@
 #include "ui/common/message_box.h"
 
+#include <QLabel>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -32,8 +33,9 @@ QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, con
                                     const QString& text, QMessageBox::StandardButtons buttons,
                                     const MessageNotes& notes) {
     QMessageBox box(icon, title, fitting(text), buttons, parent);
-    box.setTextFormat(Qt::PlainText);
     box.setInformativeText(notes.informative);
+    for (QLabel* label : box.findChildren<QLabel*>())
+        label->setTextFormat(Qt::PlainText);
     box.setDetailedText(notes.detailed);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }

@@ -44,7 +44,7 @@ private:
 
 QShortcut* bindShortcut(QWidget* window, const Keys& keys, QAbstractButton* button) {
     if (button->toolTip().isEmpty())
-        button->setToolTip(keys.first().toString(QKeySequence::NativeText));
+        button->setToolTip(keyText(keys.first()));
     return bindShortcut(window, keys, [button] { button->click(); });
 }
 
@@ -59,6 +59,10 @@ QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
 
 void yieldKey(QLineEdit* field, const QKeySequence& key) {
     field->installEventFilter(new KeyYielder(field, key));
+}
+
+QString keyText(const QKeySequence& key) {
+    return key.toString(QKeySequence::NativeText);
 }
 
 Keys findKeys() {

@@ -28,6 +28,9 @@ QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
 // Leaves a key to the window's shortcut that the field would take for moving its cursor.
 void yieldKey(QLineEdit* field, const QKeySequence& key);
 
+// As tool tips name a key.
+QString keyText(const QKeySequence& key);
+
 // The platform's own keys, with a usual one where it has none.
 Keys findKeys();
 Keys preferencesKeys();

@@ -35,8 +35,8 @@ void ActionBar::apply(const ActionRules& rules) {
     removeButton->setEnabled(rules.remove);
 }
 
-std::unique_ptr<QMenu> ActionBar::menu() const {
-    auto menu = std::make_unique<QMenu>();
+std::unique_ptr<QMenu> ActionBar::menu(QWidget* parent) const {
+    auto menu = std::make_unique<QMenu>(parent);
     for (QPushButton* button :
          {exportButton, recoverButton, renameButton, folderButton, removeButton}) {
         QAction* action = menu->addAction(button->text(), button, &QPushButton::click);

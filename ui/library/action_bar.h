@@ -21,7 +21,7 @@ public:
     void apply(const ActionRules& rules);
 
     // The same commands as a menu of its own; the caller may add more and shows it.
-    std::unique_ptr<QMenu> menu() const;
+    std::unique_ptr<QMenu> menu(QWidget* parent) const;
 
     QPushButton* const exportButton;
     QPushButton* const recoverButton;

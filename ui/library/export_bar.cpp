@@ -9,9 +9,15 @@ namespace qn {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr int kButtonHeight = 28; // px
+
+} // namespace
+
 ExportBar::ExportBar(QWidget* parent)
     : QWidget(parent),
-      cancelButton(new QPushButton(u"Отменить экспорт"_s)),
+      cancelButton(tallButton(u"Отменить экспорт"_s, kButtonHeight)),
       progress(new QProgressBar) {
     progress->setAccessibleName(u"Ход экспорта"_s);
     progress->setFormat(u"Экспорт: %p%"_s);

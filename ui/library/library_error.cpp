@@ -14,13 +14,14 @@ QString plainReason(const QString& driverText) {
         {u"is full"_s, u"на диске нет места"_s},
         {u"malformed"_s, u"файл повреждён"_s},
         {u"not a database"_s, u"файл повреждён"_s},
+        {u"disk I/O error"_s, u"диск не отвечает"_s},
         {u"unable to open"_s, u"файл не открывается"_s},
     };
     for (const auto& [words, reason] : reasons) {
         if (driverText.contains(words))
             return reason;
     }
-    return {};
+    return u"неизвестная причина"_s;
 }
 
 } // namespace qn

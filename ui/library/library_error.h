@@ -4,8 +4,7 @@
 
 namespace qn {
 
-// What a database driver's words mean to the user, as the end of a sentence about the library;
-// empty when they are not among the usual ones.
+// What a database driver's words mean to the user, as the end of a sentence about the library.
 QString plainReason(const QString& driverText);
 
 } // namespace qn

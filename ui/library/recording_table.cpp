@@ -2,6 +2,7 @@
 
 #include "core/text.h"
 #include "ui/common/contrast.h"
+#include "ui/common/size_text.h"
 #include "ui/library/recording_text.h"
 
 #include <QFileInfo>
@@ -86,8 +87,10 @@ protected:
     }
 };
 
-bool hasFile(const Recording& recording) {
-    return recording.status == "starting"_L1 || QFileInfo::exists(recording.path);
+// Being recorded: its file comes a moment after its row, and is not whole.
+bool isLive(const Recording& recording) {
+    return recording.status == "starting"_L1 || recording.status == "recording"_L1 ||
+           recording.status == "paused"_L1;
 }
 
 bool looksSame(const Recording& a, const Recording& b) {
@@ -124,7 +127,8 @@ RecordingTable::RecordingTable(QWidget* parent) : QTableWidget(0, kColumns, pare
     setItemDelegate(new OneLineDelegate(this));
     setDragDropMode(DragOnly);
     setContextMenuPolicy(Qt::CustomContextMenu);
-    verticalScrollBar()->setAccessibleName(u"Прокрутка списка записей"_s);
+    for (QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()})
+        bar->setAccessibleName(u"Прокрутка списка записей"_s);
 }
 
 void RecordingTable::setRows(const QList<Recording>& recordings) {
@@ -133,6 +137,7 @@ void RecordingTable::setRows(const QList<Recording>& recordings) {
     const bool same =
         std::equal(rows.cbegin(), rows.cend(), recordings.cbegin(), recordings.cend(), looksSame);
     rows = recordings;
+    lost.clear();
     if (!same) {
         resizeTo(static_cast<int>(rows.size()));
         if (!rows.isEmpty())
@@ -160,9 +165,10 @@ void RecordingTable::keepSelected(const QString& id) {
     const auto kept = std::find_if(rows.cbegin(), rows.cend(),
                                    [&](const Recording& recording) { return recording.id == id; });
     // Otherwise the current row stays where it is: after a deletion that is the neighbour.
-    selectRow(kept == rows.cend() ? std::max(currentRow(), 0)
-                                  : static_cast<int>(kept - rows.cbegin()));
-    scrollToItem(item(currentRow(), 0));
+    const bool isThere = kept != rows.cend();
+    setAutoScroll(!isThere); // what is in view stays there
+    selectRow(isThere ? static_cast<int>(kept - rows.cbegin()) : std::max(currentRow(), 0));
+    setAutoScroll(true);
 }
 
 const Recording* RecordingTable::selected() const {
@@ -196,7 +202,7 @@ QColor RecordingTable::cellColour(int row, int column) const {
     if (row < 0 || row >= rows.size())
         return {};
     const Recording& recording = rows.at(row);
-    if (!hasFile(recording))
+    if (isLost(row))
         return palette().color(QPalette::Disabled, QPalette::Text);
     if (column != kStatus ||
         (recording.status != "failed"_L1 && recording.status != "interrupted"_L1))
@@ -208,27 +214,40 @@ QColor RecordingTable::cellColour(int row, int column) const {
 QString RecordingTable::toolTipOf(int row) const {
     if (row < 0 || row >= rows.size())
         return {};
+    if (isLost(row))
+        return u"Аудиофайл не найден"_s;
     const Recording& recording = rows.at(row);
-    const QString file =
-        hasFile(recording)
-            ? QLocale(QLocale::Russian)
-                  .formattedDataSize(QFileInfo(recording.path).size(), 1, QLocale::DataSizeSIFormat)
-            : u"Аудиофайл не найден"_s;
-    return Qt::convertFromPlainText(recording.title.left(kLongestShownTitle) + u'\n' + file,
+    const QString title = recording.title.left(kLongestShownTitle);
+    return Qt::convertFromPlainText(title + u'\n' + sizeText(QFileInfo(recording.path).size()),
                                     Qt::WhiteSpaceNormal);
+}
+
+bool RecordingTable::isLost(int row) const {
+    auto known = lost.constFind(row);
+    if (known == lost.constEnd()) {
+        const Recording& recording = rows.at(row);
+        known = lost.insert(row, !isLive(recording) && !QFileInfo(recording.path).isFile());
+    }
+    return *known;
 }
 
 void RecordingTable::setHint(const QString& text) {
     hint = text;
     setAccessibleDescription(rows.isEmpty() ? hint : QString());
-    viewport()->update();
+    if (rows.isEmpty())
+        viewport()->update();
 }
 
 void RecordingTable::paintEvent(QPaintEvent* event) {
     QTableWidget::paintEvent(event);
-    if (!rows.isEmpty())
-        return;
     QPainter painter(viewport());
+    if (!rows.isEmpty()) {
+        if (hasFocus())
+            painter.drawRect(visualRect(model()->index(currentRow(), 0))
+                                 .united(visualRect(model()->index(currentRow(), kStatus)))
+                                 .adjusted(0, 0, -1, -1));
+        return;
+    }
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(kHintMargin, 0, -kHintMargin, 0),
                      Qt::AlignCenter | Qt::TextWordWrap, hint);
@@ -241,7 +260,7 @@ void RecordingTable::startDrag(Qt::DropActions /*actions*/) {
 
 QMimeData* RecordingTable::mimeData(const QList<QTableWidgetItem*>& /*items*/) const {
     const Recording* recording = selected();
-    if (!recording || !QFileInfo(recording->path).isFile())
+    if (!recording || isLive(*recording) || !QFileInfo(recording->path).isFile())
         return nullptr;
     auto* file = new QMimeData;
     file->setUrls({QUrl::fromLocalFile(recording->path)});
@@ -250,7 +269,8 @@ QMimeData* RecordingTable::mimeData(const QList<QTableWidgetItem*>& /*items*/) c
 
 QSize RecordingTable::minimumSizeHint() const {
     const int height = horizontalHeader()->sizeHint().height() +
-                       kLeastShownRows * verticalHeader()->defaultSectionSize() + 2 * frameWidth();
+                       kLeastShownRows * verticalHeader()->defaultSectionSize() +
+                       horizontalScrollBar()->sizeHint().height() + 2 * frameWidth();
     return {QTableWidget::minimumSizeHint().width(), height};
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/recording.h"
 
+#include <QHash>
 #include <QList>
 #include <QTableWidget>
 
@@ -42,8 +43,10 @@ protected:
 private:
     void resizeTo(int count);
     void keepSelected(const QString& id);
+    bool isLost(int row) const;
 
     QList<Recording> rows;
+    mutable QHash<int, bool> lost; // by row, whether its file is gone; filled as they are looked at
     QString hint;
 };
 

@@ -60,12 +60,8 @@ void Window::libraryRefused(const QString& reason) {
 }
 
 void Window::showLibraryError(const QString& reason) {
-    const QString plain = plainReason(reason);
-    const QString text = u"Ошибка библиотеки: "_s;
-    if (plain.isEmpty())
-        showError(text + reason);
-    else
-        showError(text + plain, {.informative = {}, .detailed = reason});
+    showError(u"Ошибка библиотеки: "_s + plainReason(reason),
+              {.informative = {}, .detailed = reason});
 }
 
 void Window::adoptFinishedFiles() {
@@ -148,9 +144,9 @@ void Window::openFolder() {
 
 void Window::showContextMenu(const QPoint& place) {
     const Recording* recording = selected();
-    if (!recording)
+    if (!recording || !table->itemAt(place))
         return;
-    const std::unique_ptr<QMenu> menu = actionBar->menu();
+    const std::unique_ptr<QMenu> menu = actionBar->menu(table);
     menu->addAction(u"Копировать путь"_s, [path = recording->path] {
         QGuiApplication::clipboard()->setText(QDir::toNativeSeparators(path));
     });

@@ -56,6 +56,7 @@ private:
 } // namespace
 
 std::optional<DecodedPeaks> decodePeaks(const QString& path) {
+    QByteArray errorTail; // filled until the process is gone
     QProcess process;
     process.start(ffmpegPath(), decodeArguments(path));
     if (!process.waitForStarted(kStartTimeoutMs))
@@ -63,7 +64,6 @@ std::optional<DecodedPeaks> decodePeaks(const QString& path) {
 
     PeakAccumulator accumulator;
     SampleReader samples(process);
-    QByteArray errorTail;
     // While a tool floods its error output, QProcess gathers that and waits on past every timeout.
     QObject::connect(&process, &QProcess::readyReadStandardError, &process, [&] {
         errorTail = (errorTail + process.readAllStandardError()).right(kErrorTailBytes);

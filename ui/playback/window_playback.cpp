@@ -145,8 +145,6 @@ void Window::updatePlaybackControls() {
                             .hasDuration = player.duration() > 0};
     const PlaybackRules rules = playbackRules(selectionFacts(), facts);
     playbackPanel->apply(rules);
-    playbackPanel->playButton->setToolTip(
-        isResting(state) ? QString() : u"Во время записи воспроизведение недоступно"_s);
     waveform->setEnabled(rules.seek);
 }
 

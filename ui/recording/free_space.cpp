@@ -1,6 +1,7 @@
 #include "ui/recording/free_space.h"
 
-#include <QLocale>
+#include "ui/common/size_text.h"
+
 #include <QStorageInfo>
 
 namespace qn {
@@ -28,8 +29,7 @@ QString freeSpaceText(const QString& directory, AudioFormat format) {
     const qint64 bytes = QStorageInfo(directory).bytesAvailable();
     if (bytes < 0)
         return {};
-    const QString size =
-        QLocale(QLocale::Russian).formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
+    const QString size = sizeText(bytes);
     const qint64 hours = bytes / bytesPerHour(format);
     return hours > 0 ? u"Свободно %1, хватит на %2 ч"_s.arg(size, QString::number(hours))
                      : u"Свободно %1, хватит меньше чем на час"_s.arg(size);

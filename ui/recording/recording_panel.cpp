@@ -7,6 +7,7 @@
 #include "ui/common/layouts.h"
 #include "ui/recording/level_meter.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -130,6 +131,15 @@ void RecordingPanel::showState(State state) {
     for (QLabel* label : {status, elapsed})
         setAlarming(label, state == State::Recording);
     passFocusTo(active ? pauseButton : recordButton);
+}
+
+// The alarm's colour depends on the background.
+void RecordingPanel::changeEvent(QEvent* event) {
+    QGroupBox::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    for (QLabel* label : {status, elapsed, systemCaption})
+        setAlarming(label, label->testAttribute(Qt::WA_SetPalette));
 }
 
 void RecordingPanel::setElapsed(qint64 ms) {

@@ -42,6 +42,9 @@ public:
     QPushButton* const pauseButton;
     QPushButton* const stopButton;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     QWidget* buildTitleRow();
     QWidget* buildButtonRow();

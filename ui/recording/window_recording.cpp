@@ -1,7 +1,10 @@
 #include "core/text.h"
 #include "engine/recorder_worker.h"
 #include "engine/tools.h"
+#include "ui/common/shortcuts.h"
 #include "ui/library/library_writer.h"
+#include "ui/library/recording_table.h"
+#include "ui/playback/playback_panel.h"
 #include "ui/recording/free_space.h"
 #include "ui/recording/microphone_permission.h"
 #include "ui/recording/new_recording.h"
@@ -14,6 +17,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTemporaryFile>
 
@@ -82,9 +86,10 @@ void Window::startRecording() {
         return;
     current = recording;
     recordingPanel->setElapsed(0);
-    farSideCaption.clear();
+    farSide = {};
     stateChanged(State::Starting);
     refreshLibrary();
+    table->scrollToTop(); // where the new row is
     QMetaObject::invokeMethod(
         worker,
         [target = worker, copy = settings, path = current.path] { target->begin(copy, path); },
@@ -120,6 +125,9 @@ void Window::stateChanged(State newState) {
     recordingPanel->showState(newState);
     setWindowIcon(recordingIcon(newState == State::Recording));
     settingsDialog->setEditable(isResting(newState));
+    playbackPanel->playButton->setToolTip(isResting(newState)
+                                              ? keyText(Qt::Key_Space)
+                                              : u"Во время записи воспроизведение недоступно"_s);
     if (isResting(newState))
         freeSpace->clear();
     if (newState == State::Paused) {
@@ -155,28 +163,32 @@ void Window::recordingProgress(qint64 durationMs) {
 
 void Window::sourceChanged(const QString& description, const QJsonObject& sourceDetails) {
     const bool isMicrophone = sourceDetails.contains("microphone"_L1);
+    const bool isWarning = sourceDetails.contains("warning"_L1);
     if (isMicrophone)
         recordingPanel->setMicrophoneCaption(description);
     else
-        recordingPanel->setSystemCaption(description, sourceDetails.contains("warning"_L1));
-    if (sourceDetails.contains("to"_L1))
-        farSideCaption = description;
-    else if (isMicrophone && !farSideCaption.isEmpty())
-        recordingPanel->setSystemCaption(farSideCaption); // instead of the microphone's warning
+        recordingPanel->setSystemCaption(description, isWarning);
+    // Only its words tell whether a warning is about the microphone; the far side's place shows it
+    // until the microphone is back.
+    if (!isMicrophone && !description.contains(u"икрофон"_s))
+        farSide = {description, isWarning};
+    else if (isMicrophone && !farSide.caption.isEmpty())
+        recordingPanel->setSystemCaption(farSide.caption, farSide.isWarning);
     writer->addEvent(current.id, u"source"_s, sourceDetails);
 }
 
-void Window::showFailure(const QString& error, const QString& path) {
+void Window::showFailure(const QString& error, const QString& path, bool hadBegun) {
     QString advice;
     if (QFileInfo::exists(path))
         advice = u"Записанное до ошибки сохранено. Выделите запись и нажмите «Восстановить»."_s;
-    else if (const QString tool = ffmpegPath(); !tool.isEmpty())
+    else if (const QString tool = ffmpegPath(); !hadBegun && !tool.isEmpty())
         advice = u"Программа ffmpeg не запускается: %1"_s.arg(tool);
     QApplication::alert(this); // behind other windows nobody would see the box
     showError(error, {.informative = advice, .detailed = {}});
 }
 
 void Window::recordingFinished(const QString& path, qint64 durationMs, const QString& error) {
+    const bool hadBegun = current.status != "starting"_L1;
     current.path = path;
     current.durationMs = durationMs;
     current.ended = QDateTime::currentDateTimeUtc();
@@ -194,7 +206,7 @@ void Window::recordingFinished(const QString& path, qint64 durationMs, const QSt
         statusBar()->showMessage(u"Сохранено: %1 (%2)"_s.arg(path, formatDuration(durationMs)),
                                  kSavedShownMs);
     else
-        showFailure(error, path);
+        showFailure(error, path, hadBegun);
     if (closePending)
         requestClose();
 }

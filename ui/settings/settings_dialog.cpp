@@ -25,7 +25,7 @@ constexpr QSize kInitialSize(650, 390);
 constexpr int kSourceWidth = 30; // characters
 
 QPushButton* plainButton(const QString& text) {
-    auto* button = new QPushButton(text);
+    auto* button = tallButton(text, 0);
     button->setAutoDefault(false); // Return in the folder field must not press it
     return button;
 }
