@@ -93,7 +93,7 @@ Window::~Window() {
     exportJob.cancel();
     if (workerThread.isRunning()) {
         QMetaObject::invokeMethod(worker, &RecorderWorker::stop, Qt::BlockingQueuedConnection);
-        // What the worker said while it finished still belongs into the library.
+        // Handles the signals that the worker emitted at its end: they update the library.
         QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
         workerThread.quit();
         workerThread.wait();
@@ -103,7 +103,7 @@ Window::~Window() {
 
 bool Window::event(QEvent* event) {
     const bool handled = QMainWindow::event(event);
-    // Of the layout: larger fonts and the export's row need more than the smallest size.
+    // Larger fonts and the export bar may need more than the smallest size.
     if (event->type() == QEvent::LayoutRequest)
         setMinimumSize(
             minimumSizeHint().boundedTo(screen()->availableSize()).expandedTo(kSmallestSize));
@@ -115,7 +115,7 @@ bool Window::event(QEvent* event) {
 void Window::recolour() {
     for (QLabel* label : findChildren<QLabel*>()) {
         if (!label->styleSheet().isEmpty())
-            label->setStyleSheet(label->styleSheet()); // which keeps the colours of its first day
+            label->setStyleSheet(label->styleSheet()); // so that it takes on the new colours
     }
 }
 
@@ -149,7 +149,7 @@ void Window::buildUi() {
         layout->addWidget(widget);
     setCentralWidget(central);
     freeSpace = new QLabel;
-    statusBar()->addPermanentWidget(freeSpace); // now, or the table would jump with the first text
+    statusBar()->addPermanentWidget(freeSpace); // shows the bar now, so that the table won't jump
     buildMenu();
 }
 
@@ -174,7 +174,7 @@ void Window::buildMenu() {
             this, u"Quorlin"_s,
             u"Quorlin %1\nЗапись созвонов и локальная библиотека аудио."_s.arg(version()));
     };
-    // Queued, or assistive technology that chose it would wait for the box to close.
+    // Queued, so that assistive technology that triggers it need not wait for the box to close.
     connect(menuBar()->addMenu(u"Справка"_s)->addAction(u"О программе"_s), &QAction::triggered,
             this, about, Qt::QueuedConnection);
 }
@@ -209,7 +209,7 @@ void Window::bindShortcuts() {
         bindShortcut(this, quitKeys(), [this] { requestClose(); }),
     };
     for (QShortcut* shortcut : everywhere)
-        shortcut->setContext(Qt::ApplicationShortcut); // in the settings too
+        shortcut->setContext(Qt::ApplicationShortcut); // so that it works in the settings too
     const QKeySequence exportKey(u"Ctrl+E"_s);
     bindShortcut(this, {exportKey}, actionBar->exportButton);
     for (QLineEdit* field : findChildren<QLineEdit*>())

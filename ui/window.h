@@ -37,15 +37,15 @@ class SettingsDialog;
 class WaveformTimeline;
 
 // The main window. Owns the library, the worker with its thread, the export job and the player, and
-// carries facts and wishes between them and the widgets. It mirrors the worker's state and calls it
-// only through queued invocations. The sources go by subject: window.cpp builds and lists sources,
+// connects them with the widgets. It mirrors the worker's state and calls the worker only by queued
+// invocations. Its source files go by subject: window.cpp builds it and lists the sources,
 // window_recording.cpp records, window_library.cpp browses, window_playback.cpp plays,
 // window_actions.cpp exports, repairs, renames, deletes and closes.
 class Window : public QMainWindow {
     Q_OBJECT
 
 public:
-    // Opens the library in that folder; throws std::runtime_error when it can't.
+    // Opens the library in that folder; throws std::runtime_error if that fails.
     explicit Window(const QString& dataDirectory);
 
     // Finishes a running recording before it returns.
@@ -95,7 +95,7 @@ private:
     void showFailure(const QString& error, const QString& path, bool hadBegun);
     void sourceChanged(const QString& description, const QJsonObject& details);
 
-    // Throws what the library throws: one that can't be read at all ends the start.
+    // Throws what the library throws: the program must not start with one that can't be read.
     void adoptFinishedFiles();
     void tellInterrupted();
     void showDetails();
@@ -118,15 +118,16 @@ private:
     bool deferCloseToRecording();
     bool mayCancelExport();
 
-    // What the library throws becomes a message. The user waits for this: the box comes at once.
+    // For what the user asked for: shows a library error at once.
     bool tryLibrary(const std::function<void()>& action);
-    // Nobody asked for this: one box, after the present work, until the library works again.
+    // For the rest: shows only the first error, after the present work, until the library works
+    // again.
     void tryLibraryQuietly(const std::function<void()>& action);
     void libraryRefused(const QString& reason);
     void showLibraryError(const QString& reason);
 
     std::unique_ptr<Library> library;
-    std::unique_ptr<LibraryWriter> writer;          // for what may have to wait for the library
+    std::unique_ptr<LibraryWriter> writer;          // for what the user is not waiting for
     std::unique_ptr<CaptureBackend> backend;        // lists sources only
     std::unique_ptr<MicrophoneBackend> microphones; // lists them only
     Settings settings;
@@ -134,11 +135,11 @@ private:
     QThread workerThread;
     RecorderWorker* worker = nullptr; // lives on workerThread, which deletes it
     ExportJob exportJob;
-    QFile playedFile; // the player reads it on threads of its own
+    QFile playedFile; // outlives the player, whose own threads read it
     QMediaPlayer player;
     QAudioOutput audioOutput;
     QList<Recording> rows; // of the table, in its order
-    Recording current;     // in progress; its id is empty when none is
+    Recording current;     // in progress; the id is empty if none is
     State state = State::Idle;
     bool populating = false;        // the source combos are being refilled
     bool libraryErrorShown = false; // until the library works again
@@ -160,7 +161,7 @@ private:
     QLabel* freeSpace = nullptr; // in the status bar, while recording
     QString shownDetails;
     struct {
-        QString caption; // the last words about it, while the microphone's may stand in their place
+        QString caption; // the far side's last one; the microphone's warning may have replaced it
         bool isWarning = false;
     } farSide;
 };

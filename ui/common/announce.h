@@ -5,7 +5,7 @@ class QWidget;
 
 namespace qn {
 
-// Has assistive technology say the text now, in the name of that widget.
+// Has assistive technology announce the text now, on behalf of the widget.
 void announce(QWidget* widget, const QString& text);
 
 } // namespace qn

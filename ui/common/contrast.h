@@ -4,15 +4,15 @@
 
 namespace qn {
 
-// For what has to be noticed: a running recording, a warning, an error.
+// Marks what must be noticed: a running recording, a warning, an error.
 constexpr QColor kAlarmColour(0xd3, 0x2f, 0x2f);
 
-// Least contrast ratios of WCAG 2.1 for a text and for a part of a picture.
+// The least contrast that WCAG 2.1 asks of text and of graphics.
 constexpr double kTextContrast = 4.5;
 constexpr double kPictureContrast = 3.0;
 
-// The colour itself where it stands out from the background by that ratio, else the nearest one on
-// its way to black or white that does.
+// `color` if its contrast with the background is at least `ratio`, otherwise the first colour on
+// the way from it to black or white that has it.
 QColor legible(const QColor& color, const QColor& background, double ratio);
 
 } // namespace qn

@@ -35,10 +35,11 @@ struct PlaybackRules {
     bool seek = false;
 };
 
-// There is a file that nobody is writing: its waveform is shown, even while another is recorded.
+// Whether the file exists and is not being recorded: its waveform can be shown, even during another
+// recording.
 bool isPlayable(const SelectionFacts& facts);
 
-// Nothing is played while a session runs, or the recording would record it.
+// Nothing is played while a session runs, because the recording would pick it up.
 bool mayPlay(const SelectionFacts& facts);
 
 ActionRules actionRules(const SelectionFacts& facts);

@@ -22,7 +22,8 @@ bool ElidedLabel::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip)
         return QLabel::event(event);
     const QString tip = shownLine() == line() ? QString() : line().toHtmlEscaped();
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this); // empty: hides it
+    // An empty tip hides the last one.
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this);
     return true;
 }
 

@@ -4,8 +4,8 @@
 
 namespace qn {
 
-// One line of text from outside (a device's name, a warning) that never widens the window: what
-// doesn't fit ends in "…" and is in the tool tip.
+// One line of text from outside (a device's name, a warning) that never widens the window. A text
+// that doesn't fit ends in "…" and is shown whole in the tool tip.
 class ElidedLabel : public QLabel {
     Q_OBJECT
 

@@ -8,7 +8,7 @@ namespace qn {
 
 namespace {
 
-constexpr int kButtonPadding = 16; // px, both sides
+constexpr int kButtonPadding = 16; // px, for both sides together
 
 void layOut(QBoxLayout::Direction direction, QWidget* panel,
             std::initializer_list<QWidget*> widgets) {

@@ -13,7 +13,8 @@ namespace {
 
 constexpr qsizetype kMostShownLines = 15;
 
-// Of a tool's last words the last lines without the progress among them: the reason stands there.
+// Cuts a long text, mostly a tool's output, to its first line and its last ones, where the reason
+// stands. Progress lines are left out.
 QString fitting(const QString& text) {
     QStringList lines = text.split(u'\n');
     if (lines.size() <= kMostShownLines)

@@ -4,13 +4,13 @@
 
 namespace qn {
 
-// What a box says besides its text; none of it is taken for markup.
+// What a box shows besides its text, as plain text too.
 struct MessageNotes {
     QString informative; // what it means or what to do
-    QString detailed;    // somebody else's words, shown on demand
+    QString detailed;    // the original error text, shown on demand
 };
 
-// A modal box. A text longer than the screen is cut to its first and its last telling lines.
+// Shows a modal box. A text too long for the screen is cut to its first and its most telling lines.
 QMessageBox::StandardButton showBox(QWidget* parent, QMessageBox::Icon icon, const QString& title,
                                     const QString& text, QMessageBox::StandardButtons buttons,
                                     const MessageNotes& notes = {});

@@ -26,7 +26,7 @@ QShortcut* bind(QWidget* widget, const Keys& keys, Qt::ShortcutContext context,
     return shortcut;
 }
 
-// Keeps a widget from claiming a key before the shortcuts get it.
+// Keeps a widget from using a key before the shortcuts get it.
 class KeyYielder : public QObject {
 public:
     KeyYielder(QObject* parent, const QKeySequence& yielded) : QObject(parent), key(yielded) {}
@@ -77,7 +77,7 @@ Keys quitKeys() {
     return platformKeys(QKeySequence::Quit, u"Ctrl+Q"_s);
 }
 
-// Mac keyboards have Backspace alone.
+// Backspace too, because many Mac keyboards have no Delete key.
 Keys deleteKeys() {
     return {Qt::Key_Delete, Qt::Key_Backspace};
 }

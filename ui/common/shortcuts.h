@@ -14,24 +14,25 @@ namespace qn {
 
 using Keys = QList<QKeySequence>;
 
-// A key works once while it is held, unless the caller lets the shortcut repeat.
+// A key that is held down counts once, unless the caller turns auto-repeat on.
 
-// The key presses the button, so that it works exactly when the button is enabled.
+// The key clicks the button, so it works only while the button is enabled. The button's tool tip
+// names the key if it has no text of its own.
 QShortcut* bindShortcut(QWidget* window, const Keys& keys, QAbstractButton* button);
 
 QShortcut* bindShortcut(QWidget* window, const Keys& keys, const std::function<void()>& action);
 
-// Only while that widget has the focus, never while the user types elsewhere.
+// Works only while the widget itself has the focus.
 QShortcut* bindLocalShortcut(QWidget* widget, const Keys& keys,
                              const std::function<void()>& action);
 
-// Leaves a key to the window's shortcut that the field would take for moving its cursor.
+// Leaves the key to the window's shortcut; the field would use it to move its cursor.
 void yieldKey(QLineEdit* field, const QKeySequence& key);
 
-// As tool tips name a key.
+// The key's name as tool tips show it.
 QString keyText(const QKeySequence& key);
 
-// The platform's own keys, with a usual one where it has none.
+// The platform's own keys, or the usual one if the platform has none.
 Keys findKeys();
 Keys preferencesKeys();
 Keys quitKeys();

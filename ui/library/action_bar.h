@@ -11,7 +11,7 @@ class QPushButton;
 
 namespace qn {
 
-// What can be done with the selected recording.
+// The buttons that act on the selected recording.
 class ActionBar : public QWidget {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ public:
 
     void apply(const ActionRules& rules);
 
-    // The same commands as a menu of its own; the caller may add more and shows it.
+    // A new menu with the same commands, which the caller may extend and shows.
     std::unique_ptr<QMenu> menu(QWidget* parent) const;
 
     QPushButton* const exportButton;

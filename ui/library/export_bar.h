@@ -7,8 +7,8 @@ class QPushButton;
 
 namespace qn {
 
-// Progress of the running export with its cancel button; hidden, children included, between
-// exports.
+// Progress of the running export with its cancel button. Hidden between exports, and its children
+// too.
 class ExportBar : public QWidget {
     Q_OBJECT
 

@@ -9,10 +9,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// File systems take 255; the file that is written first has a suffix of 7 more than the target.
+// File systems allow 255 bytes, and the temporary name that is written first is 7 bytes longer.
 constexpr qsizetype kMostNameBytes = 248;
 
-// A row's format becomes part of a name: only the known ones may.
+// Only a known format may become part of a file name; a row can hold any text.
 QString extensionOf(const Recording& recording) {
     return toText(audioFormatFromText(recording.format));
 }

@@ -7,15 +7,15 @@
 
 namespace qn {
 
-// The save dialog's filters, their order, and the one that fits a format.
+// All filters of the save dialog, the filter of a format, and the format of a filter.
 QString exportFilters();
 QString exportFilter(AudioFormat format);
 AudioFormat formatOfFilter(const QString& filter);
 
-// Title and start time in the recording's own zone, as the save dialog proposes it.
+// The name that the save dialog proposes: title and start time in the recording's own zone.
 QString exportFileName(const Recording& recording);
 
-// `path` with the format's extension, which it may carry already in any case.
+// `path` with the format's extension, unless it already ends in it, in upper or lower case.
 QString withExtension(const QString& path, AudioFormat format);
 
 // Where the repaired file of an interrupted recording goes.

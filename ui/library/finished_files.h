@@ -6,9 +6,9 @@
 
 namespace qn {
 
-// Of those rows the interrupted ones whose file was finished all the same, as they should be. A
-// recording's file gets its final name before its row is told, and between the two the program may
-// end or the library refuse.
+// Finds the rows that say "interrupted" although their file is complete, and returns them
+// corrected. A recording's file gets its final name before its row is updated, and in between the
+// program may end or the library fail.
 QList<Recording> finishedUnnoticed(QList<Recording> rows);
 
 } // namespace qn

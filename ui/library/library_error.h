@@ -4,7 +4,7 @@
 
 namespace qn {
 
-// What a database driver's words mean to the user, as the end of a sentence about the library.
+// A database driver's error text in plain Russian, worded to end a sentence about the library.
 QString plainReason(const QString& driverText);
 
 } // namespace qn

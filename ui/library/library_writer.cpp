@@ -16,8 +16,8 @@ using namespace std::chrono_literals;
 
 namespace {
 constexpr auto kRetryInterval = 1s;
-// A locked library holds every try, and with it the window, for seconds: it gets twice as long
-// between the tries.
+// A try on a locked library blocks the window for seconds; the pause before the next one is longer
+// by twice that time.
 constexpr int kRestPerTry = 2;
 } // namespace
 
@@ -65,7 +65,7 @@ bool LibraryWriter::flush() {
     return true;
 }
 
-// Rows first: no event may keep them waiting.
+// Rows first, so that an event that fails does not hold them up.
 void LibraryWriter::write() {
     while (!rows.isEmpty()) {
         library.update(rows.cbegin().value());
@@ -77,7 +77,7 @@ void LibraryWriter::write() {
     }
 }
 
-// Steps over an event whose recording was deleted from outside: it could never be written.
+// Skips an event whose recording was deleted by another program: it could never be written.
 void LibraryWriter::write(const Event& event) {
     try {
         library.event(event.recordingId, event.kind, event.details, event.at);

@@ -13,30 +13,30 @@ namespace qn {
 
 class Library;
 
-// Writes into the library what nobody waits for: the recording in progress, and files that turned
-// out finished. What a locked or full library refuses is kept and tried again, so that it never
-// ends a recording. Lives on the library's thread.
+// Writes what the user is not waiting for, above all the recording in progress. What a locked or
+// full library refuses is kept and tried again, so that it never ends a recording. Lives on the
+// library's thread.
 class LibraryWriter : public QObject {
     Q_OBJECT
 
 public:
     explicit LibraryWriter(Library& target);
 
-    // Both ignore what has no recording's id. Of a recording only the newest state is kept.
+    // Both ignore an empty id. Only the newest state of each recording is kept.
     void update(const Recording& recording);
     void addEvent(const QString& recordingId, const QString& kind, const QJsonObject& details);
 
-    // Tries at once, instead of waiting for the next try; true when nothing is left to write.
+    // Writes now instead of at the next try; true if everything has been written.
     bool flush();
 
-    // Drops what is kept of a recording that was removed.
+    // Drops what is still to be written about a removed recording.
     void forget(const QString& recordingId);
 
 Q_SIGNALS:
-    // Emitted once, when the library begins to refuse, with the driver's text.
+    // Emitted once when the library begins to refuse, with the driver's text.
     void refused(const QString& error);
 
-    // Emitted when everything is written that was refused.
+    // Emitted when everything that was refused has been written.
     void caughtUp();
 
 private:
@@ -44,7 +44,7 @@ private:
         QString recordingId;
         QString kind;
         QJsonObject details;
-        QDateTime at; // when it happened, not when the library took it
+        QDateTime at; // when it happened, not when it was written
     };
 
     void write();

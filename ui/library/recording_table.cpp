@@ -33,10 +33,10 @@ constexpr qsizetype kLongestShownTitle = 500;
 constexpr int kLeastShownRows = 3;
 constexpr int kHintMargin = 40; // px
 constexpr QColor kAttentionColour(0xb2, 0x6a, 0x00);
-constexpr int kMostMeasuredRows = 1000; // as many as the header's own precision takes
+constexpr int kMostMeasuredRows = 1000; // as many as QHeaderView measures by default
 
-// A cell that never holds a text of its own. Rows come and go at the table's end only, so its place
-// is fixed.
+// A cell that asks the table for its text. It knows its place, which never changes: rows are added
+// and removed only at the end.
 class Cell : public QTableWidgetItem {
 public:
     Cell(const RecordingTable& owner, int atRow, int atColumn)
@@ -64,7 +64,7 @@ private:
     int cellColumn;
 };
 
-// Draws a hostile title as one line of bearable length; the cell's text stays as stored.
+// Draws even a hostile title as one line of limited length; the cell's text stays as stored.
 class OneLineDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -150,7 +150,7 @@ void RecordingTable::setRows(const QList<Recording>& recordings) {
 void RecordingTable::resizeTo(int count) {
     const int before = rowCount();
     setRowCount(count);
-    // One notice for all new items is the caller's.
+    // The caller emits one dataChanged for all new items.
     const QSignalBlocker blocker(model());
     for (int row = before; row < count; ++row) {
         for (int column = 0; column < kColumns; ++column)
@@ -253,7 +253,7 @@ void RecordingTable::paintEvent(QPaintEvent* event) {
                      Qt::AlignCenter | Qt::TextWordWrap, hint);
 }
 
-// As a file, which whoever takes it copies; it stays where it is.
+// A drag only ever copies the file.
 void RecordingTable::startDrag(Qt::DropActions /*actions*/) {
     QTableWidget::startDrag(Qt::CopyAction);
 }
@@ -274,7 +274,7 @@ QSize RecordingTable::minimumSizeHint() const {
     return {QTableWidget::minimumSizeHint().width(), height};
 }
 
-// Measures every shape of text once, taking each digit for the widest one.
+// Replaces every digit by the widest one, so that texts of the same shape are measured once.
 int RecordingTable::sizeHintForColumn(int column) const {
     ensurePolished();
     const QFontMetricsF metrics(font());

@@ -8,28 +8,28 @@
 
 namespace qn {
 
-// The library as a table. Its items compose their texts from the rows when asked, so that a refill
-// costs only what is looked at.
+// The library as a table. Its cells compose their texts when asked, so that a refill costs only
+// what is visible.
 class RecordingTable : public QTableWidget {
     Q_OBJECT
 
 public:
     explicit RecordingTable(QWidget* parent = nullptr);
 
-    // Shows these rows and keeps the selected recording selected, else the row at its place, else
-    // the first. Emits nothing: the caller looks at the selection afterwards.
+    // Shows these rows. The selected recording stays selected; if it is gone, the current row is
+    // selected, or else the first. Emits no signal: the caller checks the selection afterwards.
     void setRows(const QList<Recording>& recordings);
 
     // Shown while there are no rows.
     void setHint(const QString& text);
 
-    // Of the current row; null without one. Valid until the next setRows.
+    // The recording in the current row; null without one. Valid until the next setRows.
     const Recording* selected() const;
 
     // What the cell shows; empty outside the table.
     QString cellText(int row, int column) const;
 
-    QColor cellColour(int row, int column) const; // of its text; invalid for the usual one
+    QColor cellColour(int row, int column) const; // of the text; invalid for the usual colour
     QString toolTipOf(int row) const;
 
     int sizeHintForColumn(int column) const override;

@@ -8,7 +8,8 @@
 
 namespace qn {
 
-// "dd.MM.yyyy HH:mm:ss" and the abbreviation, in that zone or the system's; "—" when invalid.
+// "dd.MM.yyyy HH:mm:ss" and the zone's abbreviation, in the zone of that IANA id or else the
+// system's; "—" for an invalid time.
 QString dateTimeText(const QDateTime& instant, const QString& timezone);
 
 // The name shown for a stored status.

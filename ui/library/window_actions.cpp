@@ -27,9 +27,9 @@ namespace {
 constexpr int kResultShownMs = 10000;
 constexpr qsizetype kLongestAskedTitle = 200;
 constexpr int kRenameWidth = 420;         // px
-constexpr qint64 kUnnoticedLossMs = 2000; // between the last progress and the end of the program
+constexpr qint64 kUnnoticedLossMs = 2000; // the row may count this much more than was written
 constexpr qint64 kUnnoticedLossBytes = 65536;
-constexpr qint64 kLeastRestoredBytes = 4096; // more than a file's headers without any audio
+constexpr qint64 kLeastRestoredBytes = 4096; // larger than a file with headers but no audio
 
 QString shortened(const QString& title) {
     return title.size() > kLongestAskedTitle ? title.left(kLongestAskedTitle) + u'…' : title;
@@ -60,7 +60,7 @@ void Window::exportSelected() {
         return;
     const AudioFormat format = formatOfFilter(filter);
     const QString target = withExtension(chosen, format);
-    // The dialog asked about the name it returned, not about one changed here.
+    // The dialog has asked about `chosen`, not about the name with the extension added here.
     if (target != chosen && QFileInfo::exists(target) &&
         !confirm(u"Заменить файл?"_s, u"Файл уже существует. Заменить его?"_s))
         return;
@@ -93,13 +93,13 @@ void Window::exportFinished(bool success, const QString& message) {
     refreshLibrary();
     selectionChanged();
     statusBar()->showMessage(message, kResultShownMs);
-    if (!problem.isEmpty() && isVisible()) // a closed window has cancelled it
+    if (!problem.isEmpty() && isVisible()) // closing the window has cancelled the export
         showError(problem);
 }
 
-// Returns what the user has to know of it; empty when all went well.
+// Returns a message for the user; empty if all went well.
 QString Window::completeRecovery() {
-    const qint64 restoredMs = exportJob.transcodedLength(); // 0 from a tool that does not tell
+    const qint64 restoredMs = exportJob.transcodedLength(); // 0 if the tool prints no progress
     const qint64 restoredBytes = QFileInfo(recoveryTarget).size();
     if (restoredMs <= 0 && restoredBytes < kLeastRestoredBytes) {
         QFile::remove(recoveryTarget);
@@ -110,14 +110,14 @@ QString Window::completeRecovery() {
     exportSubject.status = u"ready"_s;
     writer->update(exportSubject);
     writer->addEvent(exportSubject.id, u"recovered"_s, {{u"partial"_s, partial}});
-    // The tool takes a damaged stretch for the end and calls that a success.
+    // ffmpeg may take a damaged stretch for the end of the file and still report success.
     const qint64 partialBytes = QFileInfo(partial).size();
     const bool lacksBytes = partialBytes > restoredBytes + restoredBytes / 4 &&
                             partialBytes > restoredBytes + kUnnoticedLossBytes;
     if (lacksBytes && restoredMs + kUnnoticedLossMs < exportSubject.durationMs)
         return u"Восстановлено %1 из %2. Исходный файл сохранён:\n%3"_s.arg(
             formatDuration(restoredMs), formatDuration(exportSubject.durationMs), partial);
-    if (writer->flush()) // else its row still names it
+    if (writer->flush()) // otherwise the row still names the old file
         QFile::remove(partial);
     return {};
 }
@@ -146,7 +146,7 @@ void Window::deleteSelected() {
     if (!confirm(u"Удалить запись"_s,
                  u"Удалить «%1» и её аудиофайл?"_s.arg(shortened(recording.title))))
         return;
-    setPlayerSource({}); // which would hold the file open
+    setPlayerSource({}); // the player would hold the file open
     if (QFileInfo::exists(recording.path) && !QFile::remove(recording.path)) {
         showError(u"Не удалось удалить аудиофайл"_s);
         return;
@@ -159,7 +159,7 @@ void Window::deleteSelected() {
 
 void Window::saveAndClose() {
     closing = true;
-    // A dialog would hold the window open, and a question that nobody answers counts as No.
+    // An open dialog would keep the window open; a question that is closed counts as No.
     for (QWidget* dialog = QApplication::activeModalWidget(); dialog && dialog->close();)
         dialog = QApplication::activeModalWidget();
     if (isResting(state)) {
@@ -170,14 +170,14 @@ void Window::saveAndClose() {
     stopRecording();
 }
 
-// True while the close has to wait: recordingFinished then closes the window.
+// True if the window must stay for now: recordingFinished closes it when closePending is set.
 bool Window::deferCloseToRecording() {
     if (closing || (closePending && state == State::Finalizing))
         return true;
     if (!confirm(u"Запись продолжается"_s,
                  u"Остановить запись, сохранить файл и закрыть приложение?"_s))
         return true;
-    // It may have ended by itself behind the question.
+    // The recording may have ended by itself while the question was shown.
     if (isResting(state))
         return false;
     closePending = true;
@@ -190,8 +190,8 @@ bool Window::mayCancelExport() {
            confirm(u"Экспорт продолжается"_s, u"Отменить экспорт и закрыть приложение?"_s);
 }
 
-// As the window manager asks for it. While the question that answers close() is shown, Qt would let
-// through another request to close, and end the program unanswered.
+// Sends the close event as the window manager does. With close() instead, Qt would accept a second
+// request to close while the question is shown, and end the program without an answer.
 void Window::requestClose() {
     QCloseEvent event;
     if (windowHandle())

@@ -52,7 +52,7 @@ void Window::tryLibraryQuietly(const std::function<void()>& action) {
     }
 }
 
-// The message waits until the present work is done: behind a box everything may change.
+// The box is shown later, by a queued call: while it is open, anything may change under the caller.
 void Window::libraryRefused(const QString& reason) {
     if (!std::exchange(libraryErrorShown, true))
         QMetaObject::invokeMethod(
@@ -126,11 +126,11 @@ void Window::showDetails() {
         tryLibraryQuietly([&] { events = library->events(recording->id); });
         text = detailsText(*recording, events);
     }
-    // Setting an equal text anew would lose the scroll position and what the user has marked.
+    // Setting the same text again would lose the scroll position and the selection.
     if (text == std::exchange(shownDetails, text))
         return;
     details->setPlainText(text);
-    details->viewport()->repaint(); // while the player opens the file, nothing is painted
+    details->viewport()->repaint(); // now, because the player is about to block while it opens it
 }
 
 void Window::openFolder() {

@@ -10,8 +10,8 @@ namespace {
 
 constexpr qsizetype kMostPeaks = 100000;
 
-// The largest finite magnitude. Without their signs floats order like the integers of the same
-// bits, infinities and NaN above all others: no branch per sample, so the loop is vectorised.
+// The largest finite magnitude. Without the sign bit, floats compare like the integers of the same
+// bits, with infinity and NaN above all others. That needs no branch, so the loop vectorises.
 float loudest(const float* samples, qsizetype count) {
     constexpr qint32 kInfinity = 0x7f800000;
     qint32 result = 0;

@@ -4,14 +4,14 @@
 
 namespace qn {
 
-// The loudest sample of every stretch of a recording, 0.0 to 1.0. Stretches are 10 ms of 48 kHz
-// audio at first; whenever the list is full, neighbours merge and the stretches double, so that it
-// stays under 100,000 entries whatever the length.
+// Finds the loudest sample of every stretch of a recording, 0.0 to 1.0. A stretch is 10 ms of
+// 48 kHz audio at first. Whenever there are 100,000 of them, neighbours merge and the length of a
+// stretch doubles.
 class PeakAccumulator {
 public:
     void add(const float* samples, qsizetype count);
 
-    // Closes the last stretch, full or not, and hands the list over.
+    // Closes the last stretch, full or not, and returns the peaks of all.
     QList<float> finish();
 
 private:

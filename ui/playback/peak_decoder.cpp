@@ -33,7 +33,7 @@ QStringList decodeArguments(const QString& path) {
             u"f32le"_s,        u"pipe:1"_s};
 }
 
-// Reads whole samples of the tool's output; a partial one waits for its rest.
+// Reads whole samples from the tool's output; a partial one is kept for the next read.
 class SampleReader {
 public:
     explicit SampleReader(QProcess& tool) : output(tool) {}
@@ -64,7 +64,8 @@ std::optional<DecodedPeaks> decodePeaks(const QString& path) {
 
     PeakAccumulator accumulator;
     SampleReader samples(process);
-    // While a tool floods its error output, QProcess gathers that and waits on past every timeout.
+    // While the tool floods its error output, waitForReadyRead buffers that and overruns its
+    // timeout. So the buffer is emptied and an interruption noticed in here.
     QObject::connect(&process, &QProcess::readyReadStandardError, &process, [&] {
         errorTail = (errorTail + process.readAllStandardError()).right(kErrorTailBytes);
         if (QThread::currentThread()->isInterruptionRequested())

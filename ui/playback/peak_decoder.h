@@ -10,11 +10,11 @@ namespace qn {
 struct DecodedPeaks {
     QList<float> peaks; // 0.0 to 1.0, in time order, evenly spaced over the file
     bool ok = false;
-    QString errorText; // the tool's own words
+    QString errorText; // the tool's last error output, or why it did not start
 };
 
-// Decodes the first audio stream of a file with ffmpeg. Blocks the calling thread, a QThread, until
-// the file's end; nothing comes back when that thread's interruption is requested meanwhile.
+// Decodes the first audio stream of a file with ffmpeg. Blocks the calling QThread until the end of
+// the file; returns nothing if that thread's interruption is requested.
 std::optional<DecodedPeaks> decodePeaks(const QString& path);
 
 } // namespace qn

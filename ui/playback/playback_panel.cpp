@@ -20,8 +20,8 @@ QPushButton* playbackButton(const QString& text, const QString& objectName) {
     return button;
 }
 
-// Enables either button; the focus of one that is switched off passes to the other, so that the
-// next Space undoes the last one.
+// Enables or disables each button. A button that is disabled passes its focus to the other one, so
+// that pressing Space again undoes the last press.
 void enableOneOf(QWidget* first, bool firstOn, QWidget* second, bool secondOn) {
     const bool toSecond = first->hasFocus() && !firstOn && secondOn;
     const bool toFirst = second->hasFocus() && !secondOn && firstOn;

@@ -68,7 +68,7 @@ WaveformTimeline::~WaveformTimeline() {
         thread->wait();
 }
 
-// Its value is read as milliseconds, which nobody understands.
+// A screen reader would read the value as a bare number of milliseconds.
 void WaveformTimeline::sliderChange(SliderChange change) {
     QSlider::sliderChange(change);
     const QString time = formatDuration(sliderPosition()) + u" / "_s + formatDuration(maximum());

@@ -11,7 +11,7 @@ namespace qn {
 
 struct DecodedPeaks;
 
-// A recording's waveform that doubles as the seek bar: value and range are milliseconds. Decodes on
+// A recording's waveform, which is also the seek bar: value and range are milliseconds. Decodes on
 // a thread of its own; a change of file never waits for the old decode.
 class WaveformTimeline : public QSlider {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     // Shows the waveform of that file; an empty path shows none.
     void setAudioFile(const QString& path);
 
-    // Puts the slider at the widget coordinate x.
+    // Moves the slider to the widget coordinate x.
     void moveTo(double x);
 
 Q_SIGNALS:
@@ -56,7 +56,7 @@ private:
     QString errorText;        // of the last finished decode
     QList<float> peaks;       // 0.0 to 1.0, evenly spaced over the file
     QList<QThread*> decoders; // still running; all but the last are being interrupted
-    quint64 generation = 0;   // of `file`; a result of another one is dropped
+    quint64 generation = 0;   // counts changes of `file`, so that older results are dropped
     bool loading = false;
     QList<float> columns; // the loudest peak of each painted column; empty until painted
 };

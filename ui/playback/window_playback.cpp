@@ -43,7 +43,8 @@ void Window::connectPlayer() {
     connect(&player, &QMediaPlayer::errorOccurred, this,
             [this](QMediaPlayer::Error, const QString& text) {
                 statusBar()->showMessage(u"Не удалось воспроизвести: "_s + text, kErrorShownMs);
-                // Not from within the player's own signal; a broken file would go on "playing".
+                // A broken file would go on "playing". Queued, because this is a signal of the
+                // player.
                 QMetaObject::invokeMethod(&player, &QMediaPlayer::stop, Qt::QueuedConnection);
             });
     connect(waveform, &QSlider::sliderMoved, this,
@@ -60,7 +61,7 @@ void Window::connectPlayer() {
             [this] { seekPlayback(kSkipMs); });
 }
 
-// Withholds the file from the player when `path` is empty.
+// An empty path takes the file away from the player.
 void Window::setPlayerSource(const QString& path) {
     const QUrl url = path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
     if (player.source() == url)
@@ -71,11 +72,11 @@ void Window::setPlayerSource(const QString& path) {
     waveform->setValue(0);
 }
 
-// As of Qt 6.4 the player's FFmpeg back end can't open a path with letters outside ASCII, and loses
-// 32 KiB for each file that it is handed as a device instead.
+// Qt 6.4's FFmpeg back end can't open a path with non-ASCII characters; such a file is handed over
+// as a device. Only such a file, because that back end leaks 32 KiB per device.
 void Window::loadPlayer(const QUrl& url) {
     player.setSource({});
-    showDuration(0); // the back end is silent about it, and a file that isn't audio brings no other
+    showDuration(0); // the back end does not report it, and a file without audio has no other
     playedFile.close();
     const QString path = url.toLocalFile();
     if (path.isEmpty())
@@ -108,7 +109,7 @@ void Window::playSelected() {
     const Recording* recording = selected();
     if (!recording || !playbackPanel->playButton->isEnabled())
         return;
-    // Without a device this back end would crash.
+    // This back end crashes without an output device.
     if (isQt64WithFfmpeg() && QMediaDevices::defaultAudioOutput().isNull()) {
         statusBar()->showMessage(u"Не удалось воспроизвести: нет устройства вывода звука"_s,
                                  kErrorShownMs);

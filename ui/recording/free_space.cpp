@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// By the encoder's bit rates: 64 and 128 kbit/s, and 48,000 samples of 16 bits.
+// From the encoder's bit rates: 64 and 128 kbit/s, and 48,000 16-bit samples per second.
 qint64 bytesPerHour(AudioFormat format) {
     switch (format) {
     case AudioFormat::Mp3:

@@ -6,7 +6,7 @@
 
 namespace qn {
 
-// How much more can be recorded into that folder; empty when it can't be told.
+// Tells the user how much space the folder has and for how many hours it lasts; empty if unknown.
 QString freeSpaceText(const QString& directory, AudioFormat format);
 
 } // namespace qn

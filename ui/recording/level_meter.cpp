@@ -18,8 +18,8 @@ struct Zone {
     QColor colour;
 };
 
-// Speech is green; amber comes near full scale, red is as good as clipped. Each colour stands out
-// from a light background and from a dark one.
+// Green for speech, amber near full scale, red for all but clipped. Every colour stands out from
+// light and dark backgrounds.
 constexpr std::array kZones{Zone{-60, {0x2e, 0x8b, 0x3d}}, Zone{-9, {0xc7, 0x77, 0x00}},
                             Zone{-1, {0xd3, 0x2f, 0x2f}}};
 constexpr double kFloor = kZones.front().from;
@@ -38,13 +38,14 @@ LevelMeter::LevelMeter(QWidget* parent) : QProgressBar(parent), shown(kFloor) {
 void LevelMeter::setLevel(float level) {
     const int percent = level > 0.0F ? static_cast<int>(std::min(level, 1.0F) * 100.0F) : 0;
     if (percent != value()) {
-        // QProgressBar repaints itself whole inside setValue; held back, both meters wait for one
-        // pass that paints what has changed.
+        // QProgressBar repaints itself whole inside setValue. Prevented from that, both meters are
+        // painted in one later pass, and only where they have changed.
         setAttribute(Qt::WA_UpdatesDisabled, true);
         setValue(percent);
         setAttribute(Qt::WA_UpdatesDisabled, false);
     }
-    // The eye doesn't follow 50 pictures a second; silence, the last level of all, is always shown.
+    // The eye can't follow 50 pictures a second. Silence is never skipped, because no other level
+    // may follow it.
     const bool isTooSoon = sinceUpdate.isValid() && sinceUpdate.elapsed() < kUpdateIntervalMs;
     if (level > 0 && isTooSoon)
         return;
@@ -65,7 +66,7 @@ void LevelMeter::setWarning(const QString& text) {
 
 bool LevelMeter::event(QEvent* event) {
     const bool handled = QProgressBar::event(event);
-    // Styles clear it when they polish a bar, and every level would repaint the panel behind it.
+    // Styles clear this when they polish a bar; every level would then repaint the panel behind.
     if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
         setAttribute(Qt::WA_OpaquePaintEvent);
     return handled;

@@ -5,9 +5,8 @@
 
 namespace qn {
 
-// A level: its value is 0 to 100 % of full scale, its bar -60 to 0 dBFS in the usual colours.
-// Updated 50 times a second while recording, so it paints itself as plain fills and both meters
-// share one paint pass.
+// A level meter: its value is 0 to 100 % of full scale, its bar shows -60 to 0 dBFS. It gets 50
+// levels a second while recording, so it paints plain fills and both meters share one paint pass.
 class LevelMeter : public QProgressBar {
     Q_OBJECT
 
@@ -17,7 +16,7 @@ public:
     // A peak, full scale 1.0; clamped.
     void setLevel(float level);
 
-    // A text over the empty bar; empty for none.
+    // Shows a text over the empty bar; empty for none.
     void setWarning(const QString& text);
 
     QSize sizeHint() const override;
@@ -30,7 +29,7 @@ private:
     int xOf(double decibels) const; // px
 
     QString warning;
-    double shown; // dBFS, as painted; at most one step behind
+    double shown; // dBFS, as painted; may lag behind by one level
     QElapsedTimer sinceUpdate;
 };
 

@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QtGlobal>
 
-// Qt knows the permission from 6.5 on.
+// Qt 6.5 is the first version with permissions.
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) && QT_CONFIG(permissions)
 #define QN_MICROPHONE_PERMISSION
 #include <QPermissions>

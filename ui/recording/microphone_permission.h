@@ -8,9 +8,9 @@ namespace qn {
 
 enum class MicrophonePermission { Granted, Denied, Undetermined };
 
-// What the system says about the microphone now. Undetermined means that it asks the user, whose
-// answer arrives later on the main thread, unless `context` is gone. Granted where there is no such
-// permission.
+// The system's permission to use the microphone. Undetermined means that the user is being asked:
+// `answered` is called later on the main thread, unless `context` is gone by then. Granted where
+// the system has no such permission.
 MicrophonePermission requestMicrophone(QObject* context,
                                        const std::function<void(bool granted)>& answered);
 

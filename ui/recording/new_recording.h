@@ -5,8 +5,8 @@
 
 namespace qn {
 
-// The row of a recording that starts now: a fresh id, its ".part" path in the recordings folder,
-// and a title made of the local time when `title` is empty.
+// The row of a recording that starts now: a new id, a ".part" path in the recordings folder, and,
+// if `title` is empty, a title made of the local time.
 Recording newRecording(const Settings& settings, const QString& title, const QDateTime& now);
 
 } // namespace qn

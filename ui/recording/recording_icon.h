@@ -4,7 +4,7 @@
 
 namespace qn {
 
-// The program's icon; with a red dot while it records.
+// The program's icon, with a red dot while it is recording.
 QIcon recordingIcon(bool recording);
 
 } // namespace qn

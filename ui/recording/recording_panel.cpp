@@ -41,7 +41,7 @@ QString statusText(State state) {
     return u"Готов к записи"_s;
 }
 
-// Colours the label's text for something that has to be noticed, or lets it look as usual.
+// Gives the label's text the alarm colour, or its usual one.
 void setAlarming(QLabel* label, bool alarming) {
     QPalette colours;
     if (alarming)
@@ -88,7 +88,7 @@ QWidget* RecordingPanel::buildTitleRow() {
 
 QWidget* RecordingPanel::buildButtonRow() {
     status = new QLabel(u"Готов к записи"_s);
-    pauseButton->setText(u"Пауза"_s); // as wide as its longer text: its neighbour stays in place
+    pauseButton->setText(u"Пауза"_s); // created with the longer text, so its width stays the same
     auto* row = rowOf({recordButton, pauseButton, stopButton, status});
     addStretch(row);
     return row;
@@ -192,8 +192,8 @@ void RecordingPanel::setRecordEnabled(bool enabled) {
     passFocusTo(recordButton);
 }
 
-// A control that is switched off would hand its focus on to the search field. It waits on the
-// status instead, for the next button or until the user moves it.
+// A control that is disabled would pass its focus on to the search field. The status takes it
+// instead, until passFocusTo or the user moves it on.
 void RecordingPanel::enable(QWidget* control, bool enabled) {
     if (!enabled && window()->focusWidget() == control)
         status->setFocus();

@@ -25,16 +25,16 @@ public:
 
     void showState(State state);
     void setElapsed(qint64 ms);
-    // While recording, a side that stays silent is named: see silenceChanged().
+    // Peaks, full scale 1.0. While recording they are watched for silence: see silenceChanged().
     void setLevels(float microphone, float system);
-    // Without a microphone nobody expects one to be heard.
+    // An unused microphone has a grey meter and is not watched for silence.
     void setMicrophoneUsed(bool used);
     void setMicrophoneCaption(const QString& caption);
     void setSystemCaption(const QString& caption, bool isWarning = false);
     void setRecordEnabled(bool enabled);
 
 Q_SIGNALS:
-    // A side has been silent for long: what the user may do about it. Empty when none is any more.
+    // Advice for the user about a side that has long been silent; empty when no side is any more.
     void silenceChanged(const QString& advice);
 
 public:
@@ -63,7 +63,7 @@ private:
     QElapsedTimer clock;
     SilenceWatch microphoneSilence;
     SilenceWatch systemSilence;
-    QString advice; // of silenceChanged, as emitted last
+    QString advice; // emitted last, still without the time
     bool isRecording = false;
 };
 

@@ -96,10 +96,10 @@ void Window::startRecording() {
         Qt::QueuedConnection);
 }
 
-// True when the microphone may be used now. Where the user has to be asked first, the answer
-// starts the recording.
+// True if the microphone may be used now. If the user has to be asked first, the answer starts the
+// recording.
 bool Window::askForMicrophone() {
-    recordingPanel->setRecordEnabled(false); // before an answer can come
+    recordingPanel->setRecordEnabled(false); // before the answer, which may come at once
     const auto permission =
         requestMicrophone(this, [this](bool granted) { microphoneAnswered(granted); });
     if (permission == MicrophonePermission::Undetermined)
@@ -141,7 +141,7 @@ void Window::stateChanged(State newState) {
         writer->update(current);
     }
     if (newState == State::Paused || oldState == State::Paused)
-        refreshLibrary(); // which looks at the selection too
+        refreshLibrary(); // it calls selectionChanged too
     else
         selectionChanged();
 }
@@ -183,7 +183,7 @@ void Window::showFailure(const QString& error, const QString& path, bool hadBegu
         advice = u"Записанное до ошибки сохранено. Выделите запись и нажмите «Восстановить»."_s;
     else if (const QString tool = ffmpegPath(); !hadBegun && !tool.isEmpty())
         advice = u"Программа ffmpeg не запускается: %1"_s.arg(tool);
-    QApplication::alert(this); // behind other windows nobody would see the box
+    QApplication::alert(this); // the box may be hidden behind other windows
     showError(error, {.informative = advice, .detailed = {}});
 }
 

@@ -30,7 +30,7 @@ QPushButton* plainButton(const QString& text) {
     return button;
 }
 
-// Device names come from outside and may be of any length: the combo keeps its width.
+// Device names may be of any length, so the combo's width does not depend on them.
 QComboBox* deviceCombo() {
     auto* combo = new QComboBox;
     combo->setMinimumContentsLength(kSourceWidth);
@@ -93,7 +93,7 @@ SettingsDialog::SettingsDialog(const Settings& settings, QWidget* parent)
 }
 
 SettingsDialog::~SettingsDialog() {
-    directoryField->disconnect(this); // it reports an edit when it loses its focus as it goes
+    directoryField->disconnect(this); // it emits editingFinished if it has the focus when destroyed
 }
 
 void SettingsDialog::buildForm(QFormLayout* form, const Settings& settings) {
@@ -156,7 +156,7 @@ void SettingsDialog::showSources(const Settings& settings, const Catalog& catalo
     fill(microphoneCombo, microphoneItems(settings, microphones));
 }
 
-// The note wraps: with larger fonts it takes more lines than the initial size has room for.
+// With larger fonts the note wraps to more lines than fit into the initial size.
 void SettingsDialog::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     resize(width(), std::max(height(), layout()->totalHeightForWidth(width())));
@@ -175,7 +175,7 @@ Settings SettingsDialog::edited() const {
 
 void SettingsDialog::setEditable(bool editable) {
     group->setEnabled(editable);
-    group->setToolTip(editable ? QString() : u"Во время записи настройки не меняются"_s);
+    group->setToolTip(editable ? QString() : u"Во время записи настройки менять нельзя"_s);
 }
 
 } // namespace qn

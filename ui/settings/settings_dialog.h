@@ -14,8 +14,7 @@ class QLineEdit;
 
 namespace qn {
 
-// The recording preferences. Shows what it is given and tells when the user edits; storing them and
-// listing the sources is the owner's.
+// The recording preferences. The owner provides the sources and stores what the user edits.
 class SettingsDialog : public QDialog {
     Q_OBJECT
 
@@ -23,11 +22,12 @@ public:
     SettingsDialog(const Settings& settings, QWidget* parent);
     ~SettingsDialog() override;
 
-    // Refills both combos, except one whose list is open. Emits signals: the owner ignores them.
+    // Refills both device combos, except one whose list is open. The owner must ignore the signals
+    // that this emits.
     void showSources(const Settings& settings, const Catalog& catalog,
                      const QList<MicrophoneEntry>& microphones);
 
-    // What the controls say now.
+    // The preferences as the controls show them now.
     Settings edited() const;
 
     void setEditable(bool editable);

@@ -8,7 +8,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Selects the item that carries `wanted`; one that is missing is appended under `absentText`.
+// Selects the item with the data `wanted`. If it is missing, it is appended as `absentText`, or the
+// first item is selected if nothing is wanted.
 void select(ComboContents& contents, const QVariant& wanted, bool wantedIsEmpty,
             const QString& absentText) {
     auto& items = contents.items;

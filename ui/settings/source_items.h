@@ -25,7 +25,7 @@ struct ComboContents {
     QString placeholder; // shown while there are no items
 };
 
-// What the source combo offers for the chosen kind; a chosen source that is not there stays listed.
+// The source combo's items for the chosen kind. A chosen source stays listed while not connected.
 ComboContents sourceItems(const Settings& settings, const Catalog& catalog);
 
 ComboContents microphoneItems(const Settings& settings, const QList<MicrophoneEntry>& microphones);
