@@ -36,18 +36,20 @@ private Q_SLOTS:
         QCOMPARE(QProcess::execute(ffmpegPath(), tone.split(u' ')), 0);
         player.start(u"/usr/bin/afplay"_s, {u"tone.wav"_s});
         QTest::qWait(1000);
+        QCOMPARE(player.state(), QProcess::Running);
     }
 
     void theToneIsHeard_data() {
         QTest::addColumn<QString>("id");
         QTest::newRow("device") << output;
+        QString program;
         for (const AudioObjectID process : objects(kAudioHardwarePropertyProcessObjectList)) {
             qint32 pid = 0;
             readProperty(process, kAudioProcessPropertyPID, &pid, sizeof pid);
             if (pid == player.processId())
-                QTest::newRow("application")
-                    << readString(process, kAudioProcessPropertyBundleID).text();
+                program = readString(process, kAudioProcessPropertyBundleID).text();
         }
+        QTest::newRow("application") << program;
     }
     void theToneIsHeard() {
         QFETCH(QString, id);
@@ -76,9 +78,9 @@ private Q_SLOTS:
     }
 
     void everyFormatPlays() {
+        player.kill();
         if (QGuiApplication::platformName() != u"cocoa")
             QSKIP("only an application in a bundle plays files");
-        player.kill();
         QMediaPlayer media;
         QAudioOutput speakers;
         media.setAudioOutput(&speakers);
