@@ -7,7 +7,7 @@ package_list() {
     case $(uname -s)-$1 in
     Linux-build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev \
         libqt6sql6-sqlite qt6-translations-l10n libsoxr-dev libpulse-dev ffmpeg \
-        librsvg2-bin file ;;
+        librsvg2-bin dpkg-dev file ;;
     Linux-demo)
         echo xvfb xdotool pulseaudio-utils python3 python3-numpy
         if is_desktop_on pipewire-pulse || is_installed pipewire-alsa; then

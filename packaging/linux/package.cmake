@@ -30,7 +30,7 @@ install(FILES ${made}/quorlin.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${made}/changelog.gz ${here}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quorlin)
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "Quorlin developers <maintainers@quorlin.org>")
+set(CPACK_PACKAGE_CONTACT "Quorlin developers <developers@quorlin.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "call recorder with a local audio library")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Quorlin records both sides of a call, what the computer plays and the
 microphone, into one Opus, MP3 or WAV file. Recordings are found, played,

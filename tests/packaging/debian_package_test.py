@@ -1,12 +1,17 @@
 """debian_package_test.py CPACK BUILD_FOLDER VERSION: packs the build, unpacks it, runs it there."""
 
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 cpack, build, version = sys.argv[1:]
+for tool in (cpack, "dpkg-shlibdeps", "lintian", "appstreamcli", "desktop-file-validate"):
+    if not shutil.which(tool):
+        print(tool, "is not installed")
+        sys.exit(77)
 
 
 def run(*command, **options):
