@@ -1,5 +1,5 @@
-// The least window that a library of recordings needs: a table, a media player and an open
-// SQLite file. bare_window FOLDER.
+// bare_window FOLDER: the smallest window that a library of recordings needs, with a table, a media
+// player and an open SQLite file.
 
 #include <QApplication>
 #include <QAudioOutput>

@@ -1,4 +1,4 @@
-// catalog() beside one bare query of the server: the same four lists on a ready connection.
+// catalog() compared with a bare query of the server: the same four lists on a ready connection.
 // Starts a private PulseAudio and a private PipeWire, each with six playing streams.
 
 #include "capture/capture_backend.h"
@@ -34,7 +34,7 @@ public:
         pa_mainloop_free(loop);
     }
 
-    // Waits for all four answers; the lists are not looked at.
+    // Waits for all four answers and ignores the lists.
     void query() {
         awaited = 4;
         const auto server = [](pa_context*, const pa_server_info*, void* self) {

@@ -1,5 +1,6 @@
-// An export against plain ffmpeg with the same arguments, then copy and fsync; a copying export
-// against copy and fsync. Usage: export_benchmark [minutes of audio, default 10]
+// A transcoding export compared with plain ffmpeg with the same arguments, copy and fsync; a
+// copying export compared with copy and fsync. Usage: export_benchmark [minutes of audio, default
+// 10]
 #include "benchmarks/sample_recordings.h"
 #include "benchmarks/side_by_side.h"
 #include "export/export_job.h"

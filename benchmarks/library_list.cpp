@@ -1,4 +1,4 @@
-// Listing the library beside the bare query of the same rows.
+// Listing the library compared with a bare query of the same rows.
 
 #include "benchmarks/sample_library.h"
 #include "benchmarks/side_by_side.h"

@@ -1,4 +1,4 @@
-// Two level meters at 50 updates a second beside two bars that paint themselves as two fills.
+// Two level meters at 50 updates a second compared with two bars that paint two fills each.
 // meters_benchmark SECONDS prints processor seconds per minute: of the meters, then of the bars.
 
 #include "ui/recording/level_meter.h"
@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     constexpr int kTurns = 4;
     const int milliseconds =
         QCoreApplication::arguments().value(1, QStringLiteral("16")).toInt() * 1000 / (2 * kTurns);
-    processorSeconds<PlainBar>(500); // fonts, style and back end are loaded by now
+    processorSeconds<PlainBar>(500); // loads fonts, style and back end first
     double meters = 0;
     double bars = 0;
     for (int turn = 0; turn < kTurns; ++turn) {

@@ -1,5 +1,5 @@
-// The mixer beside the least work that any mixer has to do, per output sample: down-mix, soxr
-// with the same recipe, one add per input sample and one copy per output sample.
+// The mixer compared, per output sample, with the least work that any mixer has to do: down-mix,
+// soxr with the same quality, one addition per input sample and one copy per output sample.
 
 #include "engine/timeline_mixer.h"
 

@@ -8,7 +8,7 @@ class Row:
     what: str
     measured: str
     yardstick: str = "-"
-    value: float = 0.0  # what the limit holds for: the ratio to the yardstick, or the figure itself
+    value: float = 0.0  # what is compared with the limit: a ratio, or the figure itself
     limit: float = 0.0
     is_ratio: bool = True
 
@@ -23,4 +23,4 @@ class Row:
 
     @staticmethod
     def heading():
-        return f"{'':56} {'measured':>14} {'yardstick':>14} {'ratio':>6} {'must reach':>14}"
+        return f"{'':56} {'measured':>14} {'yardstick':>14} {'ratio':>6} {'limit':>14}"

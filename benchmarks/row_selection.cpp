@@ -1,5 +1,6 @@
-// The real window on a library of two recordings, each with its file and a journal of 1,000 events:
-// prints the median of the milliseconds from selecting the other one until its details are painted.
+// row_selection EVENTS: opens the real window on a library of two recordings, each with its file
+// and a journal of that many events, and prints the median of the milliseconds from selecting the
+// other recording until its details are painted.
 
 #include "benchmarks/sample_recordings.h"
 #include "core/date_time.h"
@@ -25,7 +26,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int kSelections = 51;
-constexpr int kPauseMs = 200; // between two selections, so that each finds the window at rest
+constexpr int kPauseMs = 200; // between two selections, so that the window is idle at each
 
 void fill(const QString& folder, int events) {
     qn::Library library(folder + u"/library.sqlite3"_s);

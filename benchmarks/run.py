@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Runs every benchmark and prints one table, each figure beside its yardstick.
 
-run.py BUILD_FOLDER [WORD...]: with words, only the groups whose name holds one of them.
+run.py BUILD_FOLDER [WORD...]: with words, runs only the groups whose names contain one of them.
 QUORLIN_BENCH_SECONDS=600 records that long in each whole-program benchmark (default 60).
 """
 
@@ -43,7 +43,7 @@ def time_text(nanoseconds):
 
 
 def google_rows(program):
-    """Rows of a Google Benchmark program: medians of runs that take turns."""
+    """Rows of a Google Benchmark program: medians of interleaved runs."""
     done = subprocess.run(
         [program, "--benchmark_format=json", "--benchmark_repetitions=7",
          "--benchmark_min_time=0.1", "--benchmark_enable_random_interleaving=true",
@@ -99,7 +99,7 @@ def main():
         names = ", ".join(name for name, _ in groups)
         groups = [group for group in groups if any(word in group[0] for word in words)]
         if not groups:
-            sys.exit("no group's name holds such a word; there are: " + names)
+            sys.exit("no group matches; the groups are: " + names)
     print(Row.heading(), flush=True)
     missed, failed = 0, []
     for name, rows in groups:
@@ -109,8 +109,8 @@ def main():
                 missed += row.missed()
         except (OSError, RuntimeError, subprocess.SubprocessError) as error:
             failed.append(f"{name} could not be measured: {error}")
-    print(f"{missed} figures miss what they must reach" if missed
-          else "every measured figure reaches what it must")
+    print(f"{missed} figures are beyond their limits" if missed
+          else "every measured figure is within its limit")
     if failed:
         sys.exit("\n".join(failed))
 

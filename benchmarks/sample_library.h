@@ -10,11 +10,11 @@
 #include <functional>
 #include <stdexcept>
 
-// A library of any size, as the program writes it, and the least work of reading it: the same
-// query through SQLite's own interface, every column fetched and both times parsed.
+// A library of any size, as the program writes it, and the least work of reading it: the same query
+// by SQLite's own interface, with every column fetched and both times parsed.
 namespace sample_library {
 
-// Two kinds of titles, five sources, every tenth recording from a journey.
+// Two kinds of titles, five sources, every tenth recording in another time zone.
 constexpr char kFill[] = R"(
 WITH RECURSIVE counter(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM counter WHERE i + 1 < %1),
 entry AS (SELECT i, lower(hex(randomblob(4))) AS head, 1600000000 + i * 1234.567 AS start FROM counter)
@@ -41,7 +41,7 @@ public:
     SampleLibrary& operator=(const SampleLibrary&) = delete;
     ~SampleLibrary() { sqlite3_close(db); }
 
-    // The rows whose title holds that word; each is shown to the visitor, numbered from 0.
+    // Returns how many titles contain the word; `visit` gets each of these rows, numbered from 0.
     int bareQuery(
         const QString& word = {},
         const std::function<void(int, sqlite3_stmt*)>& visit = [](int, sqlite3_stmt*) {}) const {

@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Long recordings for the benchmarks: a minute of swelling noise, repeated.
+// Long recordings for the benchmarks: a minute of noise that swells and fades, repeated.
 namespace sample_recordings {
 
 using namespace Qt::StringLiterals;

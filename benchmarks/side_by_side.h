@@ -9,8 +9,8 @@
 #include <limits>
 #include <string>
 
-// Times a piece of work against its yardstick in turns, so that both see the same noise, and keeps
-// the best round of each. Processor time includes the child processes.
+// Times a piece of work and its yardstick in turns, so that both see the same disturbances, and
+// keeps the best round of each. Processor time includes child processes.
 namespace side_by_side {
 
 struct Cost {

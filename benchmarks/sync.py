@@ -1,4 +1,4 @@
-"""How well both sides stay in step: the microphone hears just what the speakers play."""
+"""How well both sides stay in step when the microphone hears exactly what the speakers play."""
 
 import sys
 import time
@@ -17,11 +17,11 @@ from headless import Headless, ProgramWindow, wait_for, write_settings
 PIECE = RATE // 2
 STEP = 2 * RATE
 LEAD = 2  # seconds of the call before it is recorded
-REACH = 2 * RATE  # how far from its expected place a piece is looked for
+REACH = 2 * RATE  # how far around its expected place a piece is searched
 
 
 def strongest(match, away_from=None):
-    """The place of the highest peak, not beside another."""
+    """The place of the highest peak, other than `away_from` and its neighbours."""
     match = match.copy()
     if away_from is not None:
         match[max(0, away_from - 1):away_from + 2] = 0
@@ -29,7 +29,7 @@ def strongest(match, away_from=None):
 
 
 def places(recording, noise, lead):
-    """For a piece of every other second: seconds by which each side stands later than played."""
+    """For half a second in every two: seconds by which each side is later in the file than played."""
     result = []
     for at in range((LEAD + 4) * RATE, len(noise) - 3 * RATE, STEP):
         first = at - round(lead * RATE) - REACH
@@ -37,9 +37,9 @@ def places(recording, noise, lead):
         size = 1 << (len(part) + PIECE).bit_length()
         match = np.fft.irfft(np.fft.rfft(part, size) *
                              np.conj(np.fft.rfft(noise[at:at + PIECE], size)), size)[:2 * REACH]
-        far = strongest(match)  # the microphone is turned down
+        far = strongest(match)  # because the microphone is turned down
         near = strongest(match, far)
-        if match[near] < match[far] / 4:  # there is no second place: both sides lie on one
+        if match[near] < match[far] / 4:  # no second peak: both sides are in the same place
             near = far
             gain = match[far] / np.sum(noise[at:at + PIECE] ** 2)
             if gain < 1.2:  # 1.0 is the far side alone
@@ -49,7 +49,7 @@ def places(recording, noise, lead):
 
 
 def in_step(build, server, seconds):
-    """Records noise that reaches both inputs from one player; rows of offset and shifts."""
+    """Records noise that one player sends to both inputs; yields rows of offset and shifts."""
     noise = np.random.default_rng(1).normal(0, 0.1, seconds * RATE)
     with Headless(server, echo=True) as place:
         recordings = place.folder / "recordings"
@@ -60,7 +60,7 @@ def in_step(build, server, seconds):
             file.writeframes((noise * 32767).astype("<i2").tobytes())
         window = ProgramWindow(place, build / "app" / "quorlin", "--data-dir", place.folder / "d")
         began = time.monotonic()
-        player = place.spawn("env", "PULSE_LATENCY_MSEC=60",  # as a call program asks for
+        player = place.spawn("env", "PULSE_LATENCY_MSEC=60",  # what a call program requests
                              "paplay", "--device=speakers", place.folder / "noise.wav")
         time.sleep(LEAD)
         window.press("ctrl+r")

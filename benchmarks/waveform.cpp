@@ -1,5 +1,6 @@
-// The waveform's decode against ffmpeg with the same arguments into a bare reader, and its painting
-// against one pen per column. Usage: waveform_benchmark [minutes of audio, default 20]
+// Decoding the waveform compared with ffmpeg with the same arguments and a bare reader, and
+// painting it compared with one pen per column. Usage: waveform_benchmark [minutes of audio,
+// default 20]
 #include "benchmarks/sample_recordings.h"
 #include "benchmarks/side_by_side.h"
 #include "ui/playback/peak_decoder.h"
@@ -55,7 +56,7 @@ void bareReader(const QString& path) {
     bareMaximum = maximum;
 }
 
-// As the program does it: the timeline, its thread, the result applied in the event loop.
+// As in the program: with the widget, its thread, and the result applied in the event loop.
 void timeline(const QString& path) {
     qn::WaveformTimeline widget;
     QEventLoop loop;
@@ -91,7 +92,7 @@ void onePenPerColumn(QImage& image, const QList<float>& peaks, const QPalette& p
     }
 }
 
-// An hour's worth of peaks reaches the widget as a file would bring it.
+// The widget gets an hour's worth of peaks by decoding a file.
 void painting(const QString& folder) {
     const QString hour = folder + u"/peaks.wav"_s;
     sample_recordings::ffmpeg(

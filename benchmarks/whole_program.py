@@ -21,7 +21,7 @@ YARDSTICK = ("ffmpeg -v error -nostdin -y -f pulse -i speakers.monitor -f pulse 
 
 
 def meters(build):
-    """The two level meters beside two bars that paint themselves as two fills."""
+    """The two level meters compared with two bars that paint two fills each."""
     with Headless() as place:
         measured, yardstick = map(
             float, place.run(build / "benchmarks" / "meters_benchmark", 24).split())
@@ -30,7 +30,7 @@ def meters(build):
 
 
 def row_selection(build):
-    """From selecting another row until its details are painted."""
+    """The time from selecting another row until its details are painted."""
     with Headless() as place:
         place.env["QT_MEDIA_BACKEND"] = "ffmpeg"
         for events, limit in ((100, 12), (1000, 40)):
@@ -40,7 +40,7 @@ def row_selection(build):
 
 
 def first_picture(build):
-    """Start to first picture, beside a bare window; medians of runs that take turns."""
+    """The time from start to first picture compared with a bare window; medians of runs in turn."""
     commands = {"program": [build / "app" / "quorlin", "--data-dir"],
                 "bare": [build / "benchmarks" / "bare_window"]}
     times = {name: [] for name in commands}
@@ -57,13 +57,13 @@ def first_picture(build):
 
 
 def processor_seconds(pid):
-    """User and system time of a process, or 0 when there is none."""
+    """User and system time of a process."""
     fields = Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
 def child(pid):
-    """The process id of the encoder."""
+    """The id of the program's child process, the encoder; None without one."""
     children = Path(f"/proc/{pid}/task/").glob("*/children")
     ids = [word for file in children for word in file.read_text().split()]
     return int(ids[0]) if ids else None
@@ -77,7 +77,7 @@ def resident_mib(pid):
 
 
 def measure(pids, seconds):
-    """Processor seconds per minute of each process over the next seconds."""
+    """Processor seconds per minute of each process, measured over that many seconds."""
     before, began = [processor_seconds(pid) for pid in pids], time.monotonic()
     time.sleep(seconds)
     minutes = (time.monotonic() - began) / 60
@@ -85,7 +85,7 @@ def measure(pids, seconds):
 
 
 def recording(build, seconds):
-    """The program idle, then recording a call while plain ffmpeg records the same inputs."""
+    """Measures the program idle, then recording while plain ffmpeg records the same inputs."""
     call = make_call((seconds + IDLE_SECONDS + 30) / 60)
     with Headless() as place:
         recordings = place.folder / "recordings"

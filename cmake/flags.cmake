@@ -1,4 +1,4 @@
-# Compiler flags of every target, in one place: link quorlin_flags.
+# Compiler flags of all targets, which get them by linking quorlin_flags.
 add_library(quorlin_flags INTERFACE)
 target_compile_features(quorlin_flags INTERFACE cxx_std_20)
 target_include_directories(quorlin_flags INTERFACE ${PROJECT_SOURCE_DIR})
@@ -18,7 +18,7 @@ if(QUORLIN_SANITIZE)
   target_link_options(quorlin_flags INTERFACE -fsanitize=${QUORLIN_SANITIZE})
 endif()
 
-# One static library per folder, which names the folders it builds on.
+# One static library per folder; LIBRARIES names those of the folders that it may use.
 function(quorlin_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})

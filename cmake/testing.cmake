@@ -1,4 +1,4 @@
-# quorlin_test(NAME SOURCES ... LIBRARIES ...): one Qt Test executable, offscreen, with a home of its own.
+# quorlin_test(NAME SOURCES ... LIBRARIES ...): a Qt Test program that runs offscreen in its own home.
 function(quorlin_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/own_settings.cpp)

@@ -3,7 +3,7 @@
 
 demo.py PROGRAM: leaves the recording, the library and pictures of the window in a new folder
 of the working directory and checks that both voices are in the file. Environment:
-QUORLIN_DEMO_SERVER=pipewire takes PipeWire even where PulseAudio's server is installed,
+QUORLIN_DEMO_SERVER=pipewire uses PipeWire even where PulseAudio's server is installed,
 QUORLIN_DEMO_MINUTES=10 makes the call that long, QUORLIN_DEMO_FORMAT=wav or mp3 replaces opus.
 """
 
@@ -24,7 +24,7 @@ TITLE = "Поставка в четверг"
 
 
 def rows(library):
-    """[(title, status, path, duration in ms)] of the program's library."""
+    """All recordings in the library: [(title, status, path, duration in ms)]."""
     with closing(sqlite3.connect(f"file:{library}?mode=ro", uri=True)) as database:
         return database.execute("SELECT title, status, path, duration_ms FROM recordings").fetchall()
 
@@ -34,7 +34,7 @@ def sleep_until(moment):
 
 
 def play(place, call):
-    """Starts both sides of the call; returns the moment and the players."""
+    """Starts both sides of the call; returns the time of the start and the players."""
     players = []
     for voice, sink in ((FAR, "speakers"), (NEAR, "voice")):
         file = place.folder / f"{voice}.wav"
@@ -44,7 +44,7 @@ def play(place, call):
 
 
 def record(place, program, call, out):
-    """Returns (the library's row, seconds from recording to call)."""
+    """Returns (the library's row, seconds from the start of the recording to that of the call)."""
     library = out / "library" / "library.sqlite3"
     window = ProgramWindow(place, program, "--data-dir", library.parent)
     window.picture(out / "1-ready.png")
@@ -103,6 +103,6 @@ if __name__ == "__main__":
     try:
         sys.exit(main())
     except KeyboardInterrupt:
-        sys.exit("interrupted; everything that was started has ended")
+        sys.exit("interrupted; all processes that were started have been ended")
     except (OSError, RuntimeError, subprocess.SubprocessError) as failure:
         sys.exit(f"the demo failed: {failure}")

@@ -8,7 +8,7 @@ import numpy as np
 
 RATE = 48000
 FAR, NEAR = "slt", "rms"  # voices of the far side and of the microphone
-# (voice, seconds after the end of the line before, text); less than 0 talks over that line.
+# (voice, seconds after the end of the previous line, text). If negative, the lines overlap.
 BEFORE_PAUSE = [
     (FAR, 0.3, "Good morning. Can you hear me well on your side of the line?"),
     (NEAR, 0.3, "Yes, loud and clear. Shall we go through the plan for Thursday?"),
@@ -56,7 +56,7 @@ class Call:
 
 
 def decode(*source, rate=RATE):
-    """What ffmpeg makes of an input, as mono samples."""
+    """An input of ffmpeg as mono samples."""
     command = ["ffmpeg", "-v", "error", "-nostdin", *map(str, source),
                "-f", "f32le", "-ac", "1", "-ar", str(rate), "-"]
     done = subprocess.run(command, check=True, capture_output=True)
@@ -67,7 +67,7 @@ def speak(voice, text, number):
     try:
         samples = decode("-f", "lavfi", "-i", f"flite=voice={voice}:text='{text}'")
     except subprocess.CalledProcessError:
-        # This ffmpeg cannot speak: syllables of noise, pitched by voice, differing by line.
+        # This ffmpeg has no speech: syllables of noise, with a pitch per voice, different per line.
         band = "bandpass=f=900:w=500" if voice == FAR else "bandpass=f=300:w=150"
         samples = decode("-f", "lavfi", "-i",
                          f"anoisesrc=d=3:r={RATE}:seed={number},{band},tremolo=f=4:d=0.9")
@@ -75,7 +75,7 @@ def speak(voice, text, number):
 
 
 def make_call(minutes=0):
-    """The dialogue, its part after the pause repeated to about the given length."""
+    """The dialogue; the part after the pause is repeated until the call is about that long."""
     lines, spoken = [], {}
 
     def place(dialogue, now):

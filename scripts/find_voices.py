@@ -6,7 +6,7 @@ import numpy as np
 
 from demo_call import FAR, NEAR, RATE, decode
 
-FOUND = 0.4  # correlation of a line that is there; one that is not stays below 0.15
+FOUND = 0.4  # least correlation of a line in the file; without the line it is below 0.15
 
 
 def best_match(recording, line, around=None, reach=1.5):
@@ -30,15 +30,15 @@ def best_match(recording, line, around=None, reach=1.5):
 class Side:
     found: int
     expected: int
-    correlation: float  # the weakest line's
-    delays: list  # seconds from the line's time in the call to its place in the file
+    correlation: float  # of the weakest line
+    delays: list  # seconds from each line's time in the call to its time in the file
 
     def spread(self):
         return max(self.delays) - min(self.delays) if self.delays else 0.0
 
 
 def find(recording, lines, delay):
-    """Looks for the lines where a delay from call to file puts them."""
+    """Looks for each line in the file at its time in the call plus the delay."""
     matches = [(line, *best_match(recording, line.samples, line.start + delay)) for line in lines]
     found = [(line, at) for line, at, correlation in matches if correlation >= FOUND]
     return Side(len(found), len(lines), min((m[2] for m in matches), default=0.0),
@@ -46,7 +46,7 @@ def find(recording, lines, delay):
 
 
 def report(path, call, lead):
-    """(lines of text, whether all is well) for a recording that began lead seconds early."""
+    """(lines of text, whether all is well) for a recording begun `lead` seconds before the call."""
     recording = decode("-i", path)
     text, good = [], True
     paused = call.resume - call.pause

@@ -1,4 +1,4 @@
-"""A private display, sound server and home, so that nothing of the user's own is touched."""
+"""A private display, sound server and home, so that the user's own are not touched."""
 
 import os
 import shutil
@@ -10,8 +10,8 @@ import time
 from pathlib import Path
 
 def sound_modules(echo):
-    """What the sound server loads: speakers, and a microphone that hears what is played into
-    "voice" or, for an echo, into the speakers."""
+    """The sound server's modules: speakers, and a microphone that hears what is played into
+    "voice" or, with an echo, into the speakers."""
     # Without rewinds the sink renders 50 ms ahead instead of seconds.
     heard = "speakers" if echo else "voice"
     return [
@@ -24,22 +24,22 @@ def sound_modules(echo):
 
 
 def wait_for(what, condition, seconds=10):
-    """Polls until the condition gives something true, and returns that."""
+    """Polls until the condition returns something true, and returns that."""
     deadline = time.monotonic() + seconds
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() > deadline:
-            raise RuntimeError(f"waited {seconds} s in vain for {what}")
+            raise RuntimeError(f"timed out after {seconds} s waiting for {what}")
         time.sleep(0.02)
 
 
 class Headless:
-    """Context manager; everything it started is gone when it is left, also by a signal.
+    """A context manager that ends everything it started, also after a signal.
 
-    Without a choice of "pulseaudio" or "pipewire" the server is the first that is installed. The
-    home is a new folder, under the given path or in the one for temporary files."""
+    The server is "pulseaudio" or "pipewire", by default the first of them that is installed. The
+    home is a new folder: the given path, or a temporary one."""
 
     def __init__(self, server=None, screen="1140x850", echo=False, home=None):
         self.server = server or ("pulseaudio" if shutil.which("pulseaudio") else "pipewire")
@@ -78,7 +78,7 @@ class Headless:
             signal.signal(number, signal.SIG_DFL)
 
     def spawn(self, *command, **options):
-        """Starts a process that gets no Ctrl-C of the terminal and ends with this object."""
+        """Starts a process that does not get the terminal's Ctrl-C and ends with this object."""
         options.setdefault("stdout", subprocess.DEVNULL)
         options.setdefault("stderr", open(self.folder / "log", "ab"))
         process = subprocess.Popen(
@@ -88,7 +88,7 @@ class Headless:
         return process
 
     def run(self, *command):
-        """Runs a command to its end and returns its output; raises when it fails."""
+        """Runs a command and returns its output; raises if it fails."""
         return subprocess.run(
             [str(word) for word in command],
             env=self.env, check=True, timeout=60, capture_output=True, text=True,
@@ -107,7 +107,7 @@ class Headless:
 
     def _start_display(self):
         reader, writer = os.pipe()
-        # Without -noreset it refuses clients for a moment whenever the last one leaves.
+        # Without -noreset, Xvfb refuses clients for a moment whenever the last one leaves.
         self.spawn("Xvfb", "-noreset", "-displayfd", writer, "-screen", "0", f"{self.screen}x24",
                    pass_fds=[writer])
         os.close(writer)
@@ -150,13 +150,13 @@ class Headless:
 
 
 class ProgramWindow:
-    """The program's real window, driven by keys and pictured from the display."""
+    """The program's real window, with keys to drive it and pictures of the display."""
 
     def __init__(self, place, program, *arguments):
         self.place = place
         self.process = place.spawn(program, *arguments)
         self.id = wait_for("the window", self._find, 20)
-        # Without a window manager nobody else hands out the focus.
+        # There is no window manager to give it the focus.
         place.run("xdotool", "windowfocus", "--sync", self.id)
 
     def _find(self):
@@ -174,7 +174,7 @@ class ProgramWindow:
         self.place.run("xdotool", "mousemove", x, y, "click", 1)
 
     def type(self, text):
-        """Types Russian text; characters that the keyboard lacks would come out in part."""
+        """Types Russian text; only characters of the Russian keyboard arrive reliably."""
         self.place.run("setxkbmap", "ru")
         self.place.run("xdotool", "type", "--delay", 30, text)
         self.place.run("setxkbmap", "us")
@@ -185,7 +185,7 @@ class ProgramWindow:
                        "-frames:v", 1, "-y", path)
 
     def quit(self):
-        """Closes the program as a user would; returns its exit status."""
+        """Quits the program as a user would; returns its exit status."""
         self.press("ctrl+q")
         return self.process.wait(30)
 

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Renews the README's pictures in docs/ from the real window: pictures.py PROGRAM.
 
-The library in them holds the demo call under several titles; one of them is being played, and
-another call is recorded. The window shows paths, so the home is made at HOME and removed again:
-run this as root in a container.
+The library in them holds the demo call under several titles. One picture shows one of these being
+played, the other a new call being recorded. Paths are visible in the window, so the home is made
+at HOME and removed again: run this as root in a container.
 """
 
 import json
@@ -30,7 +30,7 @@ EARLIER = [  # title, format, status, days ago, local time
     ("Созвон с заказчиком", "mp3", "interrupted", 4, "11:32:29"),
     ("Итоги квартала", "opus", "ready", 7, "12:01:56"),
 ]
-SOURCES = [  # what the journal says of the sources when a recording begins
+SOURCES = [  # the journal's entries about the sources at the start of a recording
     {"from": "", "to": "speakers", "preferred": "", "fallback": False},
     {"microphone": "Microphone", "id": "microphone", "fallback": False},
 ]
@@ -41,7 +41,7 @@ def utc_text(moment):
 
 
 def add_recording(place, database, length, entry):
-    """One row with its file, under the names that the program gives, and its journal."""
+    """Adds one row with its journal and its file, named as the program names them."""
     title, kind, status, days, clock = entry
     day = datetime.now(ZoneInfo(ZONE)) - timedelta(days=days)
     started = datetime.combine(day, datetime.strptime(clock, "%H:%M:%S").time(), day.tzinfo)
@@ -67,7 +67,7 @@ def main():
     call = make_call()
     with Headless(home=HOME) as place:
         place.env["TZ"] = ZONE
-        # Qt brings the language's dates along; the other programs need a locale of the system's.
+        # Only for this program: Qt has its own Russian dates, others would need the system's locale.
         start = ["env", "LC_ALL=ru_RU.UTF-8", program]
         library = place.folder / ".local/share/Quorlin/Quorlin/library.sqlite3"
         if ProgramWindow(place, *start).quit() != 0:

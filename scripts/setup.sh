@@ -1,8 +1,8 @@
 # shellcheck shell=bash
-# Sourced by run, test and bench: the package lists, installing what is missing of them, building.
-# Installed packages are left alone, so no network is needed once all are there.
+# Sourced by run, test and bench: lists packages, installs the missing ones, and builds. Installed
+# packages are left alone, so no network is needed once all are there.
 
-# package_list NAME: the packages of a list on this system, as words.
+# package_list NAME: prints the packages of a list on this system.
 package_list() {
     case $(uname -s)-$1 in
     Linux-build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev \
@@ -24,7 +24,7 @@ package_list() {
         fi
         ;;
     Linux-test)
-        # Newer systems have no version 14; the test of the format is left out there.
+        # Newer systems have no version 14, so the test of the format is left out there.
         case $(. /etc/os-release && echo "${VERSION_CODENAME:-}") in
         bookworm | noble) echo clang-14 clang-format-14 ;;
         *) echo clang ;;
@@ -34,7 +34,7 @@ package_list() {
         ;;
     Linux-clang) echo clang libclang-rt-dev ;;
     Linux-bench) echo pulseaudio libbenchmark-dev libsqlite3-dev ;;
-    Darwin-build) # qt would bring a browser engine along
+    Darwin-build) # the package qt would bring in a browser engine
         echo qtbase qtmultimedia qttranslations libsoxr ffmpeg librsvg cmake ninja pkgconf ;;
     Darwin-test) echo shellcheck ;;
     esac
@@ -45,7 +45,7 @@ fail() {
     exit 1
 }
 
-# need LIST...: installs what is missing of these lists.
+# need LIST...: installs the packages of these lists that are missing.
 need() {
     local list package missing=()
     case $(uname -s) in
@@ -72,8 +72,8 @@ is_installed() {
     fi
 }
 
-# is_desktop_on SERVER: pulseaudio or pipewire-pulse is the only one installed on a desktop. The other
-# one's package would take over.
+# is_desktop_on SERVER: whether this is a desktop with only that one installed of pulseaudio and
+# pipewire-pulse. Installing the other one would replace the desktop's sound server.
 is_desktop_on() {
     local other=pulseaudio
     [[ $1 != pulseaudio ]] || other=pipewire-pulse
@@ -91,14 +91,14 @@ install_packages() {
         command -v sudo >/dev/null || fail "run it as root, or install sudo, to install: $*"
         as_root=(sudo "${as_root[@]}")
     fi
-    # A failed update is no reason to stop: the lists from the last one may be enough.
+    # Goes on if the update fails: the package lists of the last one may be enough.
     "${as_root[@]}" apt-get update -q || true
-    # Refuses rather than removes anything that the user has.
+    # --no-remove: fails rather than remove one of the user's packages.
     "${as_root[@]}" apt-get install -q -y --no-remove --no-install-recommends "$@"
 }
 
-# drop_foreign_build FOLDER: forgets how a checkout that was copied or moved here was configured;
-# CMake refuses such a cache.
+# drop_foreign_build FOLDER: removes a build folder that was configured elsewhere and came with a
+# copied or moved checkout; CMake refuses its cache.
 drop_foreign_build() {
     local source
     source=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$1/CMakeCache.txt" 2>/dev/null) || return 0

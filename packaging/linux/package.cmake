@@ -1,4 +1,4 @@
-# What is installed beside the program on Linux, and the Debian package of it: target "package".
+# Installs what accompanies the program on Linux, and makes the Debian package: target "package".
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
 find_program(GZIP gzip REQUIRED)
 include(GNUInstallDirs)
@@ -14,7 +14,7 @@ foreach(size 16 22 24 32 48 64 128 256 512)
   install(FILES ${made}/${size}.png RENAME quorlin.png
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
 endforeach()
-# Debian wants both compressed, without a time stamp.
+# Debian wants both compressed, and without a time stamp in the result.
 foreach(text quorlin.1 changelog)
   add_custom_command(OUTPUT ${made}/${text}.gz DEPENDS ${here}/${text}
     COMMAND ${GZIP} -9nc ${here}/${text} >${made}/${text}.gz)
@@ -44,7 +44,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# What the program starts or loads only while it runs.
+# shlibdeps can't see these: the program starts or loads them at run time.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "ffmpeg, libqt6sql6-sqlite")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n, pulseaudio | pipewire-pulse")
 include(CPack)

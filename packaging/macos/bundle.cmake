@@ -1,5 +1,5 @@
-# quorlin_bundle(TARGET): the executable becomes Quorlin.app, signed ad hoc; building `dmg` completes,
-# signs and packs a copy of it.
+# quorlin_bundle(TARGET): makes the executable Quorlin.app, signed ad hoc. The target `dmg` completes
+# and signs a copy of it and packs that into a disk image.
 set(quorlin_packaging ${CMAKE_CURRENT_LIST_DIR})
 
 function(quorlin_bundle target)
@@ -16,12 +16,12 @@ function(quorlin_bundle target)
     OUTPUT_NAME Quorlin
     MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_BINARY_DIR}/Info.plist)
 
-  # What the signature covers, and what makes it.
+  # Signed again whenever something changes that the signature covers, or the script that signs.
   set(finish ${quorlin_packaging}/finish-bundle ${quorlin_packaging}/Quorlin.entitlements)
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS
     ${icon} ${CMAKE_CURRENT_BINARY_DIR}/Info.plist ${finish})
   set(symbol)
-  if(Qt6_VERSION VERSION_GREATER_EQUAL 6.5) # the first that asks for permissions
+  if(Qt6_VERSION VERSION_GREATER_EQUAL 6.5) # the first version that asks for permissions
     set(symbol QDarwinMicrophonePermissionRequest)
   endif()
   add_custom_command(TARGET ${target} POST_BUILD

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced: what the machine code in an application asks of the system and of other files.
+# Sourced. Functions that tell what the programs and libraries in an application need.
 
 # code_files APP: every program and library in it.
 code_files() {
@@ -17,12 +17,12 @@ load_commands() {
         $1 == "minos" || $1 == "version" && command == "LC_VERSION_MIN_MACOSX" { print "minos " $2 }'
 }
 
-# newest VERSION...: the highest of them.
+# newest VERSION...: the highest version.
 newest() {
     printf '%s\n' "$@" | sort -V | tail -1
 }
 
-# wanted_system APP: the newest system that any of its files asks for.
+# wanted_system APP: the oldest macOS that all of its files run on.
 wanted_system() {
     local file versions=(0)
     while IFS= read -r file; do
@@ -32,8 +32,8 @@ wanted_system() {
     newest "${versions[@]}"
 }
 
-# expand PATH FILE APP: PATH as the loader reads it in FILE; of other programs than the
-# application's own, the loader takes "@executable_path" to be their own folder.
+# expand PATH FILE APP: PATH in FILE as the loader resolves it. "@executable_path" is the folder of
+# the running program: of Quorlin, or of the tool if FILE is one.
 expand() {
     local program=$3/Contents/MacOS
     case ${2#"$3"} in */tools/*) program=$(dirname "$2") ;; esac
@@ -44,7 +44,7 @@ expand() {
     esac
 }
 
-# is_inside LIBRARY FILE APP: whether what FILE needs is a file in the application.
+# is_inside LIBRARY FILE APP: whether the library that FILE needs is in the application.
 is_inside() {
     local library=$1 file=$2 app=$3 folder candidates=()
     if [[ $library == @rpath/* ]]; then
@@ -62,7 +62,8 @@ is_inside() {
     return 1
 }
 
-# missing_libraries APP: "LIBRARY<tab>FILE" for each that is neither the system's nor inside.
+# missing_libraries APP: "LIBRARY<tab>FILE" for each library that FILE needs and that is neither the
+# system's nor in the application.
 missing_libraries() {
     local file library
     while IFS= read -r file; do
