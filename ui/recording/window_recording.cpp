@@ -85,6 +85,7 @@ void Window::startRecording() {
     if (!tryLibrary([&] { library->insert(recording); }))
         return;
     current = recording;
+    statusBar()->clearMessage(); // of earlier recordings
     recordingPanel->setElapsed(0);
     farSide = {};
     stateChanged(State::Starting);
